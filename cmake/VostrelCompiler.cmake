@@ -1,0 +1,16 @@
+# What every target of the project is compiled with.
+add_library(vostrel_options INTERFACE)
+target_compile_options(vostrel_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_include_directories(vostrel_options INTERFACE "${PROJECT_SOURCE_DIR}/core")
+
+if(VOSTREL_SANITIZE)
+  target_compile_options(vostrel_options INTERFACE
+    -fsanitize=${VOSTREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+  target_link_options(vostrel_options INTERFACE -fsanitize=${VOSTREL_SANITIZE})
+endif()
+
+find_program(VOSTREL_CCACHE ccache)
+if(VOSTREL_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${VOSTREL_CCACHE}")
+endif()

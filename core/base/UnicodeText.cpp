@@ -1,0 +1,110 @@
+#include "base/UnicodeText.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
+namespace vostrel {
+
+namespace {
+
+constexpr char lowerASCII(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+const utf8proc_uint8_t* bytesOf(std::string_view text) {
+    return reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+}
+
+void appendLowerASCII(std::string& out, std::string_view text) {
+    std::ranges::transform(text, std::back_inserter(out), lowerASCII);
+}
+
+/// The text mapped by utf8proc, or nothing where it is not valid UTF-8.
+std::unique_ptr<char, decltype(&std::free)> mapped(std::string_view text, int options, std::size_t& length) {
+    utf8proc_uint8_t* raw = nullptr;
+    const auto size = utf8proc_map(bytesOf(text), static_cast<utf8proc_ssize_t>(text.size()), &raw,
+                                   static_cast<utf8proc_option_t>(options));
+    length = size < 0 ? 0 : static_cast<std::size_t>(size);
+    return {size < 0 ? nullptr : reinterpret_cast<char*>(raw), &std::free};
+}
+
+}  // namespace
+
+bool isASCII(std::string_view text) {
+    return std::ranges::none_of(text, [](char byte) { return (static_cast<unsigned char>(byte) & 0x80U) != 0; });
+}
+
+bool isValidUTF8(std::string_view text) {
+    while (!text.empty()) {
+        utf8proc_int32_t point = 0;
+        const auto length = utf8proc_iterate(bytesOf(text), static_cast<utf8proc_ssize_t>(text.size()), &point);
+        if (length <= 0) return false;
+        text.remove_prefix(static_cast<std::size_t>(length));
+    }
+    return true;
+}
+
+std::string precomposed(std::string_view text) {
+    if (isASCII(text)) return std::string(text);
+    std::size_t length = 0;
+    const auto composed = mapped(text, UTF8PROC_COMPOSE | UTF8PROC_STABLE, length);
+    return composed ? std::string(composed.get(), length) : std::string(text);
+}
+
+std::string folded(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    appendFolded(out, text);
+    return out;
+}
+
+void appendFolded(std::string& out, std::string_view text) {
+    if (isASCII(text)) return appendLowerASCII(out, text);
+    // Composing before folding settles the order of combining marks; folding may take a composed letter apart again.
+    std::size_t length = 0;
+    const auto composed = mapped(text, UTF8PROC_COMPOSE | UTF8PROC_STABLE, length);
+    if (!composed) return appendLowerASCII(out, text);
+    const auto caseless =
+        mapped({composed.get(), length}, UTF8PROC_COMPOSE | UTF8PROC_STABLE | UTF8PROC_CASEFOLD, length);
+    out.append(caseless.get(), length);
+}
+
+std::vector<std::string_view> graphemes(std::string_view text) {
+    std::vector<std::string_view> clusters;
+    utf8proc_int32_t previous = -1;
+    utf8proc_int32_t state = 0;
+    std::size_t start = 0;
+    std::size_t at = 0;
+    while (at < text.size()) {
+        utf8proc_int32_t point = -1;
+        const auto rest = text.substr(at);
+        auto length = utf8proc_iterate(bytesOf(rest), static_cast<utf8proc_ssize_t>(rest.size()), &point);
+        if (length <= 0) {  // not UTF-8: one byte, joined with nothing
+            length = 1;
+            point = -1;
+        }
+        const bool breaks =
+            at > start && (previous < 0 || point < 0 || utf8proc_grapheme_break_stateful(previous, point, &state));
+        if (breaks) {
+            clusters.push_back(text.substr(start, at - start));
+            start = at;
+        }
+        if (point < 0) state = 0;
+        previous = point;
+        at += static_cast<std::size_t>(length);
+    }
+    if (at > start) clusters.push_back(text.substr(start));
+    return clusters;
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blank = " \t\n\v\f\r";
+    const auto first = text.find_first_not_of(blank);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(blank) - first + 1);
+}
+
+}  // namespace vostrel

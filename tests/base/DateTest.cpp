@@ -1,0 +1,25 @@
+#include <gtest/gtest.h>
+
+#include "base/Date.h"
+
+namespace vostrel {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(DateTest, splitsInstantsBefore1970RoundingDown) {
+    const Date date = Date::fromNanoseconds(-1);
+    EXPECT_EQ(date.seconds(), -1);
+    EXPECT_EQ(date.nanosecondsOfSecond(), 999'999'999);
+}
+
+TEST(DateTest, staysAtTheEndsOfItsRange) {
+    EXPECT_EQ(Date::fromSeconds(INT64_MAX), Date::distantFuture());
+    EXPECT_EQ(Date::fromSeconds(INT64_MIN), Date::distantPast());
+    EXPECT_EQ(Date::distantFuture() + 1s, Date::distantFuture());
+    EXPECT_EQ(Date::distantPast() - 1s, Date::distantPast());
+    EXPECT_EQ(Date::distantFuture() - Date::distantPast(), Duration::max());
+}
+
+}  // namespace
+}  // namespace vostrel

@@ -1,0 +1,68 @@
+#include "platform/linux/MountInfo.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fstream>
+
+namespace vostrel {
+
+namespace {
+
+/// Spaces, tabs, line breaks and backslashes are written as \040 and the like.
+std::string unescaped(std::string_view text) {
+    const auto isOctal = [](char digit) { return digit >= '0' && digit <= '7'; };
+    std::string plain;
+    plain.reserve(text.size());
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '\\' && at + 3 < text.size() && isOctal(text[at + 1]) && isOctal(text[at + 2]) &&
+            isOctal(text[at + 3])) {
+            plain += static_cast<char>((text[at + 1] - '0') * 64 + (text[at + 2] - '0') * 8 + (text[at + 3] - '0'));
+            at += 3;
+        } else {
+            plain += text[at];
+        }
+    }
+    return plain;
+}
+
+std::vector<std::string_view> words(std::string_view line) {
+    std::vector<std::string_view> found;
+    while (!line.empty()) {
+        const auto end = std::min(line.find(' '), line.size());
+        found.push_back(line.substr(0, end));
+        line.remove_prefix(std::min(end + 1, line.size()));
+    }
+    return found;
+}
+
+}  // namespace
+
+std::optional<MountInfo> parseMountInfo(std::string_view line) {
+    constexpr std::size_t mountPointField = 4;
+    constexpr std::size_t firstOptionalField = 6;
+    const auto fields = words(line);
+    std::size_t separator = firstOptionalField;
+    while (separator < fields.size() && fields[separator] != "-")
+        ++separator;
+    if (separator + 2 >= fields.size()) return std::nullopt;
+
+    MountInfo mount;
+    const auto id = fields[0];
+    const auto [end, failure] = std::from_chars(id.data(), id.data() + id.size(), mount.id);
+    if (failure != std::errc() || end != id.data() + id.size()) return std::nullopt;
+    mount.mountPoint = unescaped(fields[mountPointField]);
+    mount.type = unescaped(fields[separator + 1]);
+    mount.source = unescaped(fields[separator + 2]);
+    return mount;
+}
+
+std::vector<MountInfo> readMountInfo() {
+    std::vector<MountInfo> mounts;
+    std::ifstream table("/proc/thread-self/mountinfo");
+    for (std::string line; std::getline(table, line);) {
+        if (auto mount = parseMountInfo(line)) mounts.push_back(std::move(*mount));
+    }
+    return mounts;
+}
+
+}  // namespace vostrel

@@ -1,0 +1,13 @@
+#include <cstdlib>
+
+#include "platform/UserAccount.h"
+
+namespace vostrel {
+
+std::filesystem::path temporaryFolder() {
+    const char* named = std::getenv("TMPDIR");
+    if (named != nullptr && named[0] == '/') return named;
+    return "/tmp";
+}
+
+}  // namespace vostrel

@@ -1,0 +1,42 @@
+#include "support/TemporaryFolder.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+namespace vostrel {
+
+namespace fs = std::filesystem;
+
+TemporaryFolder::TemporaryFolder() {
+    std::string pattern = (fs::canonical(fs::temp_directory_path()) / "vostrel-test-XXXXXX").native();
+    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder could be made");
+    folder = pattern;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
+}
+
+fs::path TemporaryFolder::makeFolder(std::string_view relative) const {
+    fs::create_directories(folder / relative);
+    return folder / relative;
+}
+
+fs::path TemporaryFolder::makeFile(std::string_view relative, std::string_view content) const {
+    const auto file = folder / relative;
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << content;
+    return file;
+}
+
+fs::path TemporaryFolder::makeLink(std::string_view relative, const fs::path& target) const {
+    const auto link = folder / relative;
+    fs::create_directories(link.parent_path());
+    fs::create_symlink(target, link);
+    return link;
+}
+
+}  // namespace vostrel

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+namespace vostrel {
+
+/// A folder of its own for one test, its path free of links, removed with everything in it at the end.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    [[nodiscard]] const std::filesystem::path& path() const { return folder; }
+    /// Makes a folder, and those above it, and returns its path.
+    std::filesystem::path makeFolder(std::string_view relative) const;
+    /// Makes a file, and the folders above it, and returns its path.
+    std::filesystem::path makeFile(std::string_view relative, std::string_view content = "content") const;
+    /// Makes a link, and the folders above it, and returns its path.
+    std::filesystem::path makeLink(std::string_view relative, const std::filesystem::path& target) const;
+
+private:
+    std::filesystem::path folder;
+};
+
+}  // namespace vostrel

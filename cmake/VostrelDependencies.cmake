@@ -2,6 +2,5 @@
 find_package(Threads REQUIRED)
 find_package(simdjson REQUIRED)
 find_package(fmt REQUIRED)
-find_package(date REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(utf8proc REQUIRED IMPORTED_TARGET libutf8proc)

@@ -11,6 +11,8 @@ class OwnedDescriptor {
 public:
     OwnedDescriptor() = default;
     explicit OwnedDescriptor(int descriptor) : held(descriptor) {}
+    OwnedDescriptor(const OwnedDescriptor&) = delete;
+    OwnedDescriptor& operator=(const OwnedDescriptor&) = delete;
     OwnedDescriptor(OwnedDescriptor&& other) noexcept : held(other.release()) {}
     OwnedDescriptor& operator=(OwnedDescriptor&& other) noexcept {
         if (this != &other) reset(other.release());

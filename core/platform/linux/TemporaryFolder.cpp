@@ -5,7 +5,7 @@
 namespace vostrel {
 
 std::filesystem::path temporaryFolder() {
-    const char* named = std::getenv("TMPDIR");
+    const char* named = std::getenv("TMPDIR");  // NOLINT(concurrency-mt-unsafe): nothing sets the environment
     if (named != nullptr && named[0] == '/') return named;
     return "/tmp";
 }

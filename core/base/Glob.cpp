@@ -1,0 +1,207 @@
+#include "base/Glob.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "base/UnicodeText.h"
+#include "base/Visit.h"
+
+namespace vostrel {
+
+namespace {
+
+constexpr const char* emptyPattern = "A pattern cannot be empty.";
+constexpr const char* holdsSlash = "Patterns match names, not paths, so they cannot contain \"/\".";
+constexpr const char* spaceAtAnEnd = "A pattern cannot start or end with a space.";
+constexpr const char* loneBackslash = R"(A pattern cannot end with "\". Use "\\" for a backslash.)";
+constexpr const char* openBracket = R"(A "[" in the pattern has no matching "]".)";
+
+/// Turns a folded pattern, character by character, into tokens; stops at the first problem.
+class Compiler {
+public:
+    explicit Compiler(std::string_view folded) : characters(graphemes(folded)) {}
+
+    std::expected<std::vector<Glob::Token>, std::string> tokens() {
+        std::vector<Glob::Token> out;
+        while (!atEnd())
+            out.push_back(nextToken());
+        if (problem) return std::unexpected(problem);
+        return out;
+    }
+
+private:
+    [[nodiscard]] bool atEnd() const { return problem != nullptr || at == characters.size(); }
+    [[nodiscard]] bool nextIs(std::string_view character) const { return !atEnd() && characters[at] == character; }
+    bool take(std::string_view character) {
+        if (!nextIs(character)) return false;
+        ++at;
+        return true;
+    }
+
+    Glob::Token nextToken() {
+        if (take("*")) return Glob::Star{};
+        if (take("?")) return Glob::Any{};
+        if (take("[")) return set();
+        return Glob::Literal{literal()};
+    }
+
+    std::string literal() {
+        if (take("\\") && atEnd()) return failing(loneBackslash);
+        return std::string(characters[at++]);
+    }
+
+    Glob::Set set() {
+        Glob::Set set;
+        set.negated = take("!") || take("^");
+        while (set.ranges.empty() || !take("]")) {
+            if (!problem && atEnd()) failing(openBracket);
+            if (problem) return set;
+            set.ranges.push_back(nextRange());
+        }
+        return set;
+    }
+
+    Glob::Set::Range nextRange() {
+        const std::string first = literal();
+        if (!joinsARange()) return {first, first};
+        ++at;
+        return {first, literal()};
+    }
+
+    /// A "-" joins two characters; as the last one of a set it stands for itself.
+    [[nodiscard]] bool joinsARange() const {
+        return nextIs("-") && at + 1 < characters.size() && characters[at + 1] != "]";
+    }
+
+    std::string failing(const char* sentence) {
+        problem = sentence;
+        return {};
+    }
+
+    std::vector<std::string_view> characters;
+    std::size_t at = 0;
+    const char* problem = nullptr;
+};
+
+/// The characters of an ASCII name, folded as they are read.
+class ASCIICharacters {
+public:
+    explicit ASCIICharacters(std::string_view text) : name(text) {}
+    [[nodiscard]] std::size_t size() const { return name.size(); }
+    [[nodiscard]] std::string_view operator[](std::size_t place) const {
+        return {&lowered[static_cast<unsigned char>(name[place])], 1};
+    }
+
+private:
+    static constexpr std::array<char, 128> lowered = [] {
+        std::array<char, 128> table{};
+        for (std::size_t code = 0; code < table.size(); ++code)
+            table[code] = static_cast<char>(code >= 'A' && code <= 'Z' ? code - 'A' + 'a' : code);
+        return table;
+    }();
+
+    std::string_view name;
+};
+
+/// Gives `match` the folded characters of a name, so that several patterns share one folding.
+template <class Match>
+bool withCharacters(std::string_view name, Match match) {
+    // A carriage return and the line feed after it are one character.
+    if (isASCII(name) && name.find('\r') == std::string_view::npos) return match(ASCIICharacters(name));
+    const std::string form = folded(name);
+    return match(graphemes(form));
+}
+
+bool isInSet(const Glob::Set& set, std::string_view character) {
+    const auto holds = [&](const auto& range) { return range.first <= character && character <= range.last; };
+    return std::ranges::any_of(set.ranges, holds) != set.negated;
+}
+
+bool matchesOne(const Glob::Token& token, std::string_view character) {
+    return visit(
+        token, [&](const Glob::Literal& literal) { return literal.character == character; },
+        [](const Glob::Any&) { return true; }, [](const Glob::Star&) { return false; },
+        [&](const Glob::Set& set) { return isInSet(set, character); });
+}
+
+bool isStar(const Glob::Token& token) {
+    return std::holds_alternative<Glob::Star>(token);
+}
+
+/// The greedy walk. On a mismatch the last star takes one character more; earlier stars never need another try.
+template <class Characters>
+bool walk(const std::vector<Glob::Token>& tokens, const Characters& name) {
+    std::size_t token = 0;
+    std::size_t place = 0;
+    std::optional<std::size_t> star;
+    std::size_t takenByStar = 0;
+    while (place < name.size()) {
+        if (token < tokens.size() && isStar(tokens[token])) {
+            star = token++;
+            takenByStar = place;
+        } else if (token < tokens.size() && matchesOne(tokens[token], name[place])) {
+            ++token;
+            ++place;
+        } else if (star) {
+            token = *star + 1;
+            place = ++takenByStar;
+        } else {
+            return false;
+        }
+    }
+    return std::all_of(tokens.begin() + static_cast<std::ptrdiff_t>(token), tokens.end(), isStar);
+}
+
+}  // namespace
+
+std::optional<std::string> Glob::validate(std::string_view pattern) {
+    const auto glob = compile(pattern);
+    return glob ? std::nullopt : std::optional(glob.error());
+}
+
+std::expected<Glob, std::string> Glob::compile(std::string_view pattern) {
+    if (pattern.empty()) return std::unexpected(emptyPattern);
+    if (pattern.contains('/')) return std::unexpected(holdsSlash);
+    if (pattern.starts_with(' ') || pattern.ends_with(' ')) return std::unexpected(spaceAtAnEnd);
+    const std::string form = folded(pattern);
+    auto tokens = Compiler(form).tokens();
+    if (!tokens) return std::unexpected(std::move(tokens.error()));
+    return Glob(std::move(*tokens));
+}
+
+bool Glob::matches(std::string_view name) const {
+    return withCharacters(name, [&](const auto& characters) { return walk(tokens, characters); });
+}
+
+bool Glob::passes(std::string_view name, std::span<const std::string> include, std::span<const std::string> exclude) {
+    const auto included = Patterns::compile(include);
+    const auto excluded = Patterns::compile(exclude);
+    return included && excluded && passes(name, *included, *excluded);
+}
+
+bool Glob::passes(std::string_view name, const Patterns& include, const Patterns& exclude) {
+    return withCharacters(name, [&](const auto& characters) {
+        const auto matchesName = [&](const Glob& glob) { return walk(glob.tokens, characters); };
+        return std::ranges::none_of(exclude.globs, matchesName) &&
+               (include.isEmpty() || std::ranges::any_of(include.globs, matchesName));
+    });
+}
+
+std::expected<Glob::Patterns, std::string> Glob::Patterns::compile(std::span<const std::string> patterns) {
+    Patterns list;
+    for (const std::string& pattern : patterns) {
+        auto glob = Glob::compile(pattern);
+        if (!glob) return std::unexpected(std::move(glob.error()));
+        list.globs.push_back(std::move(*glob));
+    }
+    return list;
+}
+
+bool Glob::Patterns::matchesAny(std::string_view name) const {
+    return withCharacters(name, [&](const auto& characters) {
+        return std::ranges::any_of(globs, [&](const Glob& glob) { return walk(glob.tokens, characters); });
+    });
+}
+
+}  // namespace vostrel

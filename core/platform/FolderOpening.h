@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+
+namespace vostrel {
+
+/// Opens a folder for listing by its absolute path, following no link in any component, and leaves its access date
+/// as it is where the system lets us. Returns a descriptor that the caller closes, or -1 with `errno` set.
+///
+/// The path may be longer than the system's limit for one call.
+[[nodiscard]] int openFolder(const std::filesystem::path& path);
+
+/// Opens the entry `name` of an open folder, itself a folder and no link, the same way. -1 with `errno` set, on Linux
+/// `EXDEV` where something is mounted on it.
+[[nodiscard]] int openSubfolder(int openFolder, const char* name);
+
+}  // namespace vostrel

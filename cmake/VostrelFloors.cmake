@@ -36,3 +36,4 @@ foreach(line IN LISTS VOSTREL_FLOOR_LINES)
 endforeach()
 
 target_link_libraries(vostrel_base PUBLIC fmt::fmt-header-only Threads::Threads PRIVATE PkgConfig::utf8proc)
+target_link_libraries(vostrel_stores PRIVATE simdjson::simdjson)

@@ -11,6 +11,11 @@ constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
 }  // namespace
 
 Date Date::fromSeconds(std::int64_t seconds, std::int64_t nanoseconds) {
+    // The first second of the range begins before it: its whole seconds alone do not fit.
+    if (seconds < 0 && nanoseconds > 0) {
+        ++seconds;
+        nanoseconds -= nanosecondsPerSecond;
+    }
     return Date(saturatingAdd(saturatingMultiply(seconds, nanosecondsPerSecond), nanoseconds));
 }
 

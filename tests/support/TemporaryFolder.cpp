@@ -1,7 +1,9 @@
 #include "support/TemporaryFolder.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -17,6 +19,11 @@ TemporaryFolder::TemporaryFolder() {
 
 TemporaryFolder::~TemporaryFolder() {
     std::error_code ignored;
+    for (fs::recursive_directory_iterator entry(folder, ignored), end; !ignored && entry != end;
+         entry.increment(ignored)) {
+        if (entry->symlink_status(ignored).type() == fs::file_type::directory)
+            fs::permissions(entry->path(), fs::perms::owner_all, fs::perm_options::add, ignored);
+    }
     fs::remove_all(folder, ignored);
 }
 
@@ -37,6 +44,19 @@ fs::path TemporaryFolder::makeLink(std::string_view relative, const fs::path& ta
     fs::create_directories(link.parent_path());
     fs::create_symlink(target, link);
     return link;
+}
+
+std::string TemporaryFolder::read(std::string_view relative) const {
+    std::ifstream file(folder / relative, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::string> TemporaryFolder::names(std::string_view relative) const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder / relative))
+        names.push_back(entry.path().filename());
+    std::ranges::sort(names);
+    return names;
 }
 
 }  // namespace vostrel

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/UnicodeText.h"
 #include "stores/JSONCoding.h"
 
 namespace vostrel {
@@ -30,7 +29,7 @@ public:
             case json_type::string:
                 return readString(value);
             default:
-                return readToken(trimmed(value.raw_json_token()));
+                return readToken(value.raw_json_token());
         }
     }
 
@@ -78,6 +77,7 @@ private:
 
     /// A literal or a number; simdjson finds where it ends, its text is checked here.
     static Decoded<JSONValue> readToken(std::string_view token) {
+        token = token.substr(0, token.find_last_not_of(" \t\n\r") + 1);
         if (token == "null") return JSONValue();
         if (token == "true") return JSONValue(true);
         if (token == "false") return JSONValue(false);

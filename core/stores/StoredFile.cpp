@@ -1,0 +1,153 @@
+#include "stores/StoredFile.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <span>
+#include <tuple>
+
+#include "base/Uuid.h"
+#include "platform/FileRename.h"
+#include "platform/FileSync.h"
+#include "platform/OwnedDescriptor.h"
+#include "stores/DateText.h"
+
+namespace vostrel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t chunkSize = 65'536;
+constexpr mode_t permissionBits = 0777;
+
+std::expected<std::string, int> readToEnd(int openFile) {
+    std::string content;
+    std::string chunk(chunkSize, '\0');
+    while (true) {
+        const ssize_t count = ::read(openFile, chunk.data(), chunk.size());
+        if (count == 0) return content;
+        if (count > 0) {
+            content.append(chunk, 0, static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            return std::unexpected(errno);
+        }
+    }
+}
+
+std::expected<void, int> writeAll(int openFile, std::string_view bytes, const FileWriter& writer) {
+    auto rest = std::as_bytes(std::span(bytes));
+    while (!rest.empty()) {
+        errno = 0;
+        const ssize_t count = writer(openFile, rest.data(), rest.size());
+        if (count > 0) {
+            rest = rest.subspan(static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            return std::unexpected(errno != 0 ? errno : EIO);
+        }
+    }
+    return {};
+}
+
+/// A file that is gone at the end unless it was renamed to its place.
+class TemporaryFile {
+public:
+    TemporaryFile(fs::path place, mode_t mode)
+        : path(std::move(place)), opened(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {}
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() {
+        opened.reset();
+        if (!path.empty()) ::unlink(path.c_str());
+    }
+
+    [[nodiscard]] bool isOpen() const { return opened.isOpen(); }
+    [[nodiscard]] int descriptor() const { return opened.get(); }
+
+    [[nodiscard]] std::expected<void, int> renameTo(const fs::path& place) {
+        opened.reset();
+        if (::rename(path.c_str(), place.c_str()) != 0) return std::unexpected(errno);
+        path.clear();
+        return {};
+    }
+
+private:
+    fs::path path;
+    OwnedDescriptor opened;
+};
+
+/// The permission bits of the regular file at that path.
+std::optional<mode_t> modeOfFile(const fs::path& path) {
+    struct stat facts{};
+    if (::lstat(path.c_str(), &facts) != 0 || !S_ISREG(facts.st_mode)) return std::nullopt;
+    return facts.st_mode & permissionBits;
+}
+
+std::unexpected<StoreError> failure(StoreError::Failure kind, int code, std::string operation, fs::path path) {
+    return std::unexpected(StoreError{kind, SystemError{code, std::move(operation), std::move(path)}});
+}
+
+}  // namespace
+
+ssize_t systemWrite(std::int32_t descriptor, const std::byte* bytes, std::size_t count) {
+    return ::write(descriptor, bytes, count);
+}
+
+std::expected<std::string, SystemError> StoredFile::read() const {
+    const auto failed = [&](int code) { return std::unexpected(SystemError{code, "read", path()}); };
+    const OwnedDescriptor opened(::open(path().c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    if (!opened.isOpen()) return failed(errno);
+    struct stat facts{};
+    if (::fstat(opened.get(), &facts) != 0) return failed(errno);
+    if (!S_ISREG(facts.st_mode)) return failed(EINVAL);
+    auto content = readToEnd(opened.get());
+    if (!content) return failed(content.error());
+    return std::move(*content);
+}
+
+std::optional<fs::path> StoredFile::moveAside(Date now) const {
+    constexpr int attempts = 100;
+    const std::string base = fs::path(name).stem().native() + ".corrupt-" + compactDateText(now);
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        fs::path candidate = directory / (attempt == 0 ? base + ".json" : fmt::format("{}-{}.json", base, attempt));
+        const auto renamed = renameExclusive(path(), candidate);
+        if (renamed) return candidate;
+        if (renamed.error() != EEXIST) return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::expected<void, StoreError> StoredFile::makeDirectory() const {
+    std::error_code error;
+    fs::create_directories(directory, error);
+    if (error) return failure(StoreError::Failure::directoryNotCreated, error.value(), "create", directory);
+    return {};
+}
+
+std::expected<void, StoreError> StoredFile::replace(std::string_view bytes) const {
+    using enum StoreError::Failure;
+    constexpr mode_t anyoneMay = 0666;
+    const auto exactMode = mode ? std::optional<mode_t>(*mode) : modeOfFile(path());
+    TemporaryFile temporary(directory / fmt::format(".{}.{}.tmp", name, Uuid::random().text()),
+                            exactMode.value_or(anyoneMay));
+    if (!temporary.isOpen()) return failure(fileWriteNoPermission, errno, "create a file in", directory);
+    // The umask has no say about bits that are wanted exactly.
+    if (exactMode && ::fchmod(temporary.descriptor(), *exactMode) != 0)
+        return failure(fileWriteUnknown, errno, "set the permissions of", path());
+    if (const auto written = writeAll(temporary.descriptor(), bytes, writer); !written)
+        return failure(fileWriteUnknown, written.error(), "write", path());
+    if (const auto synced = syncFile(temporary.descriptor()); !synced)
+        return failure(fileWriteUnknown, synced.error(), "write", path());
+    if (const auto renamed = temporary.renameTo(path()); !renamed)
+        return failure(fileWriteUnknown, renamed.error(), "replace", path());
+    // The new file is in place and whole; whether the disk already knows its name changes nothing that a caller could
+    // still do.
+    std::ignore = syncFolder(directory);
+    return {};
+}
+
+}  // namespace vostrel

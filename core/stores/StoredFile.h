@@ -1,0 +1,51 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <expected>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/Date.h"
+#include "base/SystemError.h"
+#include "stores/StoreError.h"
+
+namespace vostrel {
+
+/// Writes bytes to a descriptor as write(2) does, short writes and `errno` included.
+using FileWriter = std::function<ssize_t(std::int32_t descriptor, const std::byte* bytes, std::size_t count)>;
+
+[[nodiscard]] ssize_t systemWrite(std::int32_t descriptor, const std::byte* bytes, std::size_t count);
+
+/// One file as bytes: read whole, moved aside when damaged, and replaced as a whole or not at all.
+///
+/// Replacing writes a temporary file beside it (".name.UUID.tmp"), brings that to the disk, and renames it onto the
+/// name; a crash at any moment leaves the old file or the new one, and at worst a temporary file that nothing reads.
+/// Holds no state between calls; any thread.
+struct StoredFile {
+    std::filesystem::path directory;
+    std::string name;
+    /// The exact permission bits. Without: those of the file that is replaced, else what the process's umask leaves.
+    std::optional<std::uint16_t> mode;
+    FileWriter writer = systemWrite;
+
+    [[nodiscard]] std::filesystem::path path() const { return directory / name; }
+
+    /// Fails with `ENOENT` only when there is no such file. Whatever is no regular file, links included, fails and is
+    /// not waited for.
+    [[nodiscard]] std::expected<std::string, SystemError> read() const;
+
+    /// Renames the file to "stem.corrupt-20250303-090507.json", or with "-1" to "-99" where that is taken. Where it
+    /// then lies; nothing when it could not be moved.
+    [[nodiscard]] std::optional<std::filesystem::path> moveAside(Date now) const;
+
+    [[nodiscard]] std::expected<void, StoreError> makeDirectory() const;
+    [[nodiscard]] std::expected<void, StoreError> replace(std::string_view bytes) const;
+};
+
+}  // namespace vostrel

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace vostrel::json {
 
 namespace {
@@ -41,6 +43,17 @@ std::expected<void, JSONError> decodeFields(const JSONValue& value, void* record
     if (!object) return std::unexpected(object.error());
     for (const auto& field : fields) {
         if (auto decoded = decodeField(field, **object, record); !decoded) return decoded;
+    }
+    return {};
+}
+
+std::expected<void, JSONError> refuseOtherKeys(const JSONValue& value, std::span<const JSONField> fields,
+                                               std::optional<std::string_view> type) {
+    const auto object = objectIn(value);
+    if (!object) return std::unexpected(object.error());
+    for (const auto& [key, member] : (*object)->members()) {
+        const bool isKnown = key == type || std::ranges::find(fields, key, &JSONField::key) != fields.end();
+        if (!isKnown) return jsonFault(fmt::format("The key \"{}\" is not known here.", key));
     }
     return {};
 }

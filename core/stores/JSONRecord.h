@@ -33,8 +33,10 @@ namespace vostrel {
 /// - anything else specialises `JSONCoder` itself: `static JSONValue encode(const T&)` and
 ///   `static Decoded<T> decode(const JSONValue&)`.
 ///
-/// Coders of the plain types are in "stores/JSONCoder.h". Keys that a record does not list are ignored; one that is
-/// there twice makes it unreadable. These lists belong in a file of their own, included where records are stored.
+/// Coders of the plain types are in "stores/JSONCoder.h". Keys that a record does not list are ignored, unless its
+/// `JSONFields`, or the `JSONCases` of its variant, say `static constexpr bool refusesOtherKeys = true;`: then they
+/// make it unreadable, as a key does that is there twice. These lists belong in a file of their own, included where
+/// records are stored.
 template <class Value>
 struct JSONCoder;
 
@@ -130,6 +132,15 @@ std::expected<void, JSONError> decodeMember(const JSONValue& value, void* record
                                                           std::span<const JSONField> fields);
 /// The object that the value is; one with a repeated key is refused.
 [[nodiscard]] Decoded<const JSONObject*> objectIn(const JSONValue& value);
+/// Refuses a key that is neither `type` nor one of the fields'.
+[[nodiscard]] std::expected<void, JSONError> refuseOtherKeys(const JSONValue& value, std::span<const JSONField> fields,
+                                                             std::optional<std::string_view> type);
+template <class Description>
+inline constexpr bool refusesOtherKeys = false;
+template <class Description>
+    requires requires { Description::refusesOtherKeys; }
+inline constexpr bool refusesOtherKeys<Description> = Description::refusesOtherKeys;
+
 /// The word under "type".
 [[nodiscard]] Decoded<std::string> decodeType(const JSONValue& value);
 [[nodiscard]] std::unexpected<JSONError> unknownWord(std::string_view word);
@@ -157,6 +168,10 @@ struct JSONCoder<Record> {
         Record record;
         if (auto read = json::decodeFields(value, &record, JSONFields<Record>::list); !read)
             return std::unexpected(std::move(read).error());
+        if constexpr (json::refusesOtherKeys<JSONFields<Record>>) {
+            if (auto known = json::refuseOtherKeys(value, JSONFields<Record>::list, std::nullopt); !known)
+                return std::unexpected(std::move(known).error());
+        }
         if constexpr (requires { JSONFields<Record>::settle(record); }) {
             if (auto refusal = JSONFields<Record>::settle(record)) return jsonFault(std::move(*refusal));
         }
@@ -230,6 +245,10 @@ private:
 
     template <class Record>
     static Decoded<Variant> decodeAs(const JSONValue& value) {
+        if constexpr (json::refusesOtherKeys<JSONCases<Variant>>) {
+            if (auto known = json::refuseOtherKeys(value, fieldsOf<Record>(), "type"); !known)
+                return std::unexpected(std::move(known).error());
+        }
         if constexpr (requires { JSONFields<Record>::list; }) {
             return JSONCoder<Record>::decode(value);
         } else {

@@ -18,6 +18,10 @@ struct Nothing {
     friend bool operator==(const Nothing&, const Nothing&) = default;
 };
 using Figure = std::variant<Circle, Nothing>;
+struct Closed {
+    std::string name;
+    std::variant<Nothing, Circle> figure;
+};
 
 struct Sample {
     std::string name;
@@ -52,6 +56,16 @@ struct JSONFields<Circle> {
 template <>
 struct JSONCases<Figure> {
     static constexpr auto names = std::to_array<std::string_view>({"circle", "nothing"});
+};
+template <>
+struct JSONCases<std::variant<Nothing, Circle>> {
+    static constexpr auto names = std::to_array<std::string_view>({"nothing", "circle"});
+    static constexpr bool refusesOtherKeys = true;
+};
+template <>
+struct JSONFields<Closed> {
+    static constexpr std::array list{jsonField<&Closed::name>("name"), jsonField<&Closed::figure>("figure")};
+    static constexpr bool refusesOtherKeys = true;
 };
 template <>
 struct JSONFields<Sample> {
@@ -119,6 +133,16 @@ TEST(JSONRecordTest, readsAbsentAndUnreadableFieldsAsEachFieldSays) {
         read(R"({"name":"Bob","shapes":["oval","square",3],"dates":{"a":"x","b":"1970-01-01T00:00:00Z"}})");
     EXPECT_EQ(some->shapes, std::set{Shape::square});
     EXPECT_EQ(some->dates, (std::map<std::string, Date>{{"b", Date()}}));
+}
+
+TEST(JSONRecordTest, refusesKeysThatItDoesNotKnowWhereARecordSaysSo) {
+    EXPECT_TRUE(readOne<Closed>(R"({"name":"A","figure":{"type":"circle","radius":1}})"));
+    for (const char* text : {R"({"name":"A","figure":{"type":"nothing"},"else":1})",
+                             R"({"name":"A","figure":{"type":"nothing"},"type":1})",
+                             R"({"name":"A","figure":{"type":"nothing","else":1}})",
+                             R"({"name":"A","figure":{"type":"circle","radius":1,"else":null}})"}) {
+        EXPECT_FALSE(readOne<Closed>(text)) << text;
+    }
 }
 
 TEST(JSONRecordTest, saysWhatIsWrongAndWhere) {

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "filesystem/AgeBasis.h"
+#include "rules/CleanupAction.h"
+#include "rules/PathSource.h"
+#include "rules/RuleScope.h"
+#include "rules/RuleTrigger.h"
+
+namespace vostrel {
+
+/// A ready-made rule for one well-known kind of data that can be had again. Rules made from it are held to its folders,
+/// its names and scope, and to the Trash when it only trashes.
+struct Preset {
+    enum class Group { developer, appCaches, browsers, files };
+
+    std::string id;
+    /// Raised when the meaning of the preset changes, so that approvals of the older meaning no longer hold.
+    int semanticsRevision = 1;
+    Group group = Group::developer;
+    /// What the user reads: the title, what the data is, and why removing it is safe.
+    std::string name;
+    std::string summary;
+    std::string reason;
+    std::vector<PathSource> sources;
+    /// Names that the preset cleans (all when there are none) and names that it keeps.
+    std::vector<std::string> namePatterns;
+    std::vector<std::string> excludePatterns;
+    RuleScope scope = RuleScope::topLevelItems;
+    bool trashOnly = false;
+    std::optional<int> minAgeDays;
+    AgeBasis ageBasis = AgeBasis::modified;
+    CleanupAction action = CleanupAction::trash;
+    /// The data comes back by itself.
+    bool regenerable = false;
+    /// Bundle identifiers of applications while which the preset's rules wait.
+    std::vector<std::string> pauseWhileRunning;
+    bool largeRedownload = false;
+    bool recommended = false;
+    std::vector<RuleTrigger> suggestedTriggers;
+
+    /// Whether rules made from it may not list names to clean: it has patterns of its own, or cleans the screenshot
+    /// folder, where only screenshots go.
+    [[nodiscard]] bool decidesNames() const;
+    /// Everything that decides what it cleans, as text.
+    [[nodiscard]] std::string definition() const;
+
+    friend bool operator==(const Preset&, const Preset&) = default;
+};
+
+}  // namespace vostrel

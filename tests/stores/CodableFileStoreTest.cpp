@@ -99,6 +99,7 @@ TEST_F(CodableFileStoreTest, movesADamagedFileAsideWhateverTheDamage) {
         {"another shape", [&] { folder.makeFile("note.json", "[]"); }},
         {"a wrong date", [&] { folder.makeFile("note.json", R"({"date":"then","text":"old","weight":1})"); }},
         {"followed by something", [&] { folder.makeFile("note.json", goodText + "}"); }},
+        {"far too large", [&] { fs::resize_file(folder.makeFile("note.json"), 8ULL << 30U); }},
         {"a file of zeros", [&] { folder.makeFile("note.json", std::string(goodText.size(), '\0')); }},
     };
     for (const auto& [what, damage] : damages) {

@@ -2,6 +2,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,6 +28,9 @@ struct MountIdentity {
 
 /// Whether the folder is the top of a mount. What cannot be told counts as one.
 [[nodiscard]] bool isMountRoot(int openFolder);
+
+/// The same of a path whose last component is not followed; a path that names nothing is none.
+[[nodiscard]] bool isMountPoint(const std::filesystem::path& folder);
 
 /// What recognises the volume after a restart: its UUID, or what serves as one. Network and pseudo file systems
 /// have none.

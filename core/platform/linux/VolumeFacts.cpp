@@ -10,9 +10,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <filesystem>
 
 #include "base/Uuid.h"
+#include "platform/OwnedDescriptor.h"
 #include "platform/linux/MountInfo.h"
 
 namespace vostrel {
@@ -132,8 +134,16 @@ bool isMountRoot(int openFolder) {
     }
     struct stat own{};
     struct stat above{};
-    if (::fstat(openFolder, &own) != 0 || ::fstatat(openFolder, "..", &above, 0) != 0) return true;
+    if (::fstat(openFolder, &own) != 0) return true;
+    if (!S_ISDIR(own.st_mode)) return false;
+    if (::fstatat(openFolder, "..", &above, 0) != 0) return true;
     return own.st_dev != above.st_dev || own.st_ino == above.st_ino;
+}
+
+bool isMountPoint(const std::filesystem::path& folder) {
+    const OwnedDescriptor named(::open(folder.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!named.isOpen()) return errno != ENOENT && errno != ENOTDIR;
+    return isMountRoot(named.get());
 }
 
 std::optional<std::string> volumeUUID(int openFolder) {

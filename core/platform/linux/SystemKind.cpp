@@ -1,0 +1,9 @@
+#include "platform/SystemKind.h"
+
+namespace vostrel {
+
+SystemKind systemKind() {
+    return SystemKind::linux;
+}
+
+}  // namespace vostrel

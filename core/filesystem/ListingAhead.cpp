@@ -150,6 +150,8 @@ void ListingAhead::await(ListedFolder& folder, FolderReader& reader, const std::
         if (other != nullptr) finish(*other);
         reportHeld(guard, listed);
     }
+    // It may have become ready while others were handed over; the walk is there now and needs no word of it.
+    std::erase(listedAhead, &folder);
     heldBytes -= folder.footprint();
 }
 

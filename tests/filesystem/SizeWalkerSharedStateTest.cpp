@@ -1,0 +1,334 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <fstream>
+#include <set>
+#include <thread>
+
+#include "filesystem/MarkIndex.h"
+#include "filesystem/SizeWalker.h"
+#include "support/FakeFolderTree.h"
+#include "support/PrintTotals.h"
+#include "support/RecordingAccounting.h"
+#include "support/Rounds.h"
+#include "support/TemporaryFolder.h"
+
+namespace vostrel {
+namespace {
+
+using test::FakeFolderTree;
+using Reason = UnreadableReason;
+
+/// What a walk must come to, by plain recursion over the made-up tree: no engine, no helpers, no notes.
+class PlainWalk {
+public:
+    PlainWalk(FakeFolderTree& folders, const SizeWalker& forWalker, const SizeWalker::Marks& marksByPath)
+        : tree(folders), walker(forWalker), marks(marksByPath) {}
+
+    WalkResult result() {
+        const auto& root = tree.at("/r");
+        if (const int error = openingError(root)) return Unreadable{reasonOf(error)};
+        measured.totals = sum("/r", 0);
+        if (root.listingFailure) return Unreadable{reasonOf(root.listingFailure->error)};
+        return measured;
+    }
+
+private:
+    static int openingError(const FakeFolderTree::Node& folder) {
+        return folder.openError != 0 ? folder.openError : folder.statusError;
+    }
+    Reason reasonOf(int error) const { return unreadableReasonOf(error, walker.fullDiskAccess); }
+
+    void skip(const std::string& path, Reason reason) {
+        for (const auto& name : marks.atOrBelow(MarkIndex::keyOf(path))) {
+            if (!measured.marks.contains(name)) measured.skipped.emplace(name, Unreadable{reason});
+        }
+    }
+    void leaveOut(WalkTotals& totals, const std::string& path, Reason reason) {
+        totals.addUnreadable(reason);
+        skip(path, reason);
+    }
+    std::vector<std::string> namesAt(const std::string& path) const {
+        const auto* names = marks.at(MarkIndex::keyOf(path));
+        return names == nullptr ? std::vector<std::string>() : *names;
+    }
+
+    WalkTotals sum(const std::string& path, std::size_t depth) {
+        const auto& folder = tree.at(path);
+        WalkTotals totals;
+        std::vector<std::string> subfolders;
+        const auto listed = folder.listingFailure ? folder.listingFailure->afterEntries : folder.names.size();
+        for (std::size_t index = 0; index < std::min(listed, folder.names.size()); ++index) {
+            const std::string child = path + "/" + folder.names[index];
+            const auto& node = tree.at(child);
+            if (node.entryError != 0) {
+                leaveOut(totals, child, reasonOf(node.entryError));
+            } else if (node.status.type == EntryType::link) {
+                ++totals.linksSkipped;
+                for (const auto& name : namesAt(child))
+                    measured.skipped.emplace(name, SkippedLink{});
+            } else if (node.status.type == EntryType::folder && node.mountStatus != 0) {
+                ++totals.otherVolumes;
+                skip(child, Reason::otherDisk);
+            } else if (node.status.type == EntryType::folder) {
+                subfolders.push_back(child);
+            } else if (node.status.linkCount < 2 || links.insert({folder.status.device, node.status.inode})) {
+                totals.addFile(node.status.allocated);
+            }
+        }
+        if (folder.listingFailure) totals.addUnreadable(reasonOf(folder.listingFailure->error));
+        for (const auto& child : subfolders)
+            addSubfolder(totals, folder, child, depth + 1);
+        for (const auto& name : namesAt(path))
+            measured.marks.emplace(name, totals);
+        if (folder.listingFailure) skip(path, reasonOf(folder.listingFailure->error));
+        return totals;
+    }
+
+    void addSubfolder(WalkTotals& totals, const FakeFolderTree::Node& parent, const std::string& child,
+                      std::size_t depth) {
+        const auto& node = tree.at(child);
+        const int error = openingError(node);
+        const auto blockedFor = walker.access(child).blockedFor;
+        if (blockedFor == Reason::mediaLibrary) {
+            ++totals.leftOutLibraries;
+            skip(child, *blockedFor);
+        } else if (blockedFor) {
+            leaveOut(totals, child, *blockedFor);
+        } else if (depth > walker.maxDepth) {
+            leaveOut(totals, child, Reason::tooDeep);
+        } else if (error == ENOENT || error == ENOTDIR) {
+            // It vanished between listing and opening.
+        } else if (error != 0) {
+            leaveOut(totals, child, reasonOf(error));
+        } else if (node.status.device != parent.status.device || node.status.mount != parent.status.mount) {
+            ++totals.otherVolumes;
+            skip(child, Reason::otherDisk);
+        } else {
+            totals.add(sum(child, depth));
+        }
+    }
+
+    FakeFolderTree& tree;
+    const SizeWalker& walker;
+    MarkIndex marks;
+    LinkSet links;
+    Measured measured;
+};
+
+/// One folder in so many is closed, by its path, for one of two reasons.
+AccessDecision closesSome(const std::string& path) {
+    const auto number = std::hash<std::string>()(path) % 40;
+    if (number == 0) return {Reason::mediaLibrary};
+    if (number == 1) return {Reason::systemPlace};
+    return {};
+}
+
+SizeWalker::Marks randomMarks(const FakeFolderTree& tree, std::mt19937& random) {
+    SizeWalker::Marks marks;
+    for (const auto& [path, node] : tree.all()) {
+        if (random() % 16 != 0) continue;
+        marks[path].push_back(path);
+        marks[path + "/missing"].push_back(path + "/missing");
+    }
+    return marks;
+}
+
+/// Every folder is asked about before it is opened, and both happen once at most.
+void expectOrderly(const FakeFolderTree& tree) {
+    std::set<std::string> asked{"/r"};
+    std::set<std::string> opened;
+    for (const auto& line : tree.journal()) {
+        const std::string path = line.substr(line.find(' ') + 1);
+        if (line.starts_with("access")) {
+            EXPECT_TRUE(asked.insert(path).second) << line;
+        } else if (line.starts_with("open")) {
+            EXPECT_TRUE(asked.contains(path) && opened.insert(path).second) << line;
+        }
+    }
+    EXPECT_EQ(tree.openNow(), 0);
+}
+
+TEST(SizeWalkerSharedStateTest, givesTheSameForAnyNumberOfHelpers) {
+    for (int round = 0; round < test::rounds(40); ++round) {
+        std::mt19937 random(static_cast<unsigned>(round));
+        const auto tree = std::make_shared<FakeFolderTree>();
+        plantRandomTree(*tree, random, 300);
+        SizeWalker walker{.access = closesSome, .fullDiskAccess = round % 2 == 0, .maxDepth = 12, .source = tree};
+        const auto marks = round % 4 == 0 ? SizeWalker::Marks() : randomMarks(*tree, random);
+        const WalkResult expected = PlainWalk(*tree, walker, marks).result();
+        walker.lookedUp = [&](const std::string& path) {
+            if (path != "/r") tree->note("access " + path);
+        };
+        for (const unsigned helpers : {0U, 1U, 4U}) {
+            tree->clearJournal();
+            walker.helpers = helpers;
+            LinkSet links;
+            EXPECT_EQ(walker.walk("/r", marks, {}, links), expected) << "round " << round << ", " << helpers;
+            expectOrderly(*tree);
+            EXPECT_LE(tree->mostOpen(), 1 + helpers);
+        }
+    }
+}
+
+/// Folders of some depth, enough of them that helpers have much to do.
+void plantManyFolders(FakeFolderTree& tree) {
+    for (int outer = 0; outer < 60; ++outer) {
+        for (int inner = 0; inner < 8; ++inner)
+            tree.file("/r/" + std::to_string(outer) + "/" + std::to_string(inner) + "/x");
+    }
+}
+
+TEST(SizeWalkerSharedStateTest, stopsAtAnyMomentWithWhatItCounted) {
+    const auto tree = std::make_shared<FakeFolderTree>();
+    plantManyFolders(*tree);
+    const SizeWalker walker{.access = [](const auto&) { return AccessDecision{}; }, .helpers = 3, .source = tree};
+    const std::thread::id walking = std::this_thread::get_id();
+    for (int limit = 1; limit < 600; limit += 1 + 60 / test::rounds(1)) {
+        LinkSet links;
+        int polls = 0;
+        const WalkBudget budget{.isCancelled = [&] {
+            EXPECT_EQ(std::this_thread::get_id(), walking);
+            return ++polls >= limit;
+        }};
+        const auto result = std::get<Measured>(walker.walk("/r", {}, budget, links));
+        EXPECT_TRUE(result.totals.stopped || result.totals.files == 480);
+        EXPECT_LE(result.totals.files, 480);
+    }
+}
+
+TEST(SizeWalkerSharedStateTest, walksRightAgainAfterAStop) {
+    FakeFolderTree tree;
+    plantManyFolders(tree);
+    std::vector<std::string> told;
+    test::RecordingAccounting accounting([&](std::string line) {
+        if (!line.starts_with("decide")) told.push_back(std::move(line));  // these may come ahead
+    });
+    FolderWalk folderWalk(tree, accounting, ListingDetail::sizes, 3);
+    const auto walk = [&](int lastPoll) {
+        told.clear();
+        const WalkBudget budget{.isCancelled = [&, polls = 0]() mutable { return ++polls >= lastPoll; }};
+        return folderWalk.walk("/r", std::nullopt, 256, budget);
+    };
+    EXPECT_EQ(walk(1'000'000), FolderWalk::Ending::finished);
+    const auto whole = told;
+    for (int lastPoll = 1; lastPoll < 300; lastPoll += 1 + 40 / test::rounds(1)) {
+        EXPECT_EQ(walk(lastPoll), FolderWalk::Ending::stopped);
+        EXPECT_EQ(tree.openNow(), 0) << "no helper goes on after the walk";
+        EXPECT_EQ(walk(1'000'000), FolderWalk::Ending::finished);
+        EXPECT_EQ(told, whole);
+    }
+}
+
+TEST(SizeWalkerSharedStateTest, endsOnceCancelledThoughFoldersHangUntilThen) {
+    for (const bool opening : {true, false}) {
+        const auto tree = std::make_shared<FakeFolderTree>();
+        plantManyFolders(*tree);
+        for (const char* path : {"/r/40", "/r/41/3", "/r/45"}) {
+            tree->at(path).hangsInOpen = opening;
+            tree->at(path).hangsInListing = !opening;
+        }
+        const SizeWalker walker{.access = [](const auto&) { return AccessDecision{}; }, .helpers = 4, .source = tree};
+        std::atomic<bool> isCancelled = false;
+        std::thread user([&] {
+            tree->awaitHanging();
+            isCancelled = true;
+            tree->letGo();
+        });
+        LinkSet links;
+        const auto result =
+            std::get<Measured>(walker.walk("/r", {}, {.isCancelled = [&] { return isCancelled.load(); }}, links));
+        user.join();
+        EXPECT_TRUE(result.totals.stopped);
+        EXPECT_EQ(tree->openNow(), 0);
+    }
+}
+
+TEST(SizeWalkerSharedStateTest, countsALinkedFileOnceForWalksOnSeveralThreads) {
+    const auto tree = std::make_shared<FakeFolderTree>();
+    for (int file = 0; file < 200; ++file) {
+        const std::string name = "/" + std::to_string(file);
+        tree->file("/0" + name);
+        for (const char* place : {"/1", "/2", "/3"})
+            tree->hardLink(place + name, "/0" + name);
+    }
+    const SizeWalker walker{.access = [](const auto&) { return AccessDecision{}; }, .helpers = 1, .source = tree};
+    LinkSet links;
+    std::atomic<std::int64_t> files = 0;
+    std::vector<std::thread> threads;
+    for (const char* place : {"/0", "/1", "/2", "/3"}) {
+        threads.emplace_back(
+            [&, place] { files += std::get<Measured>(walker.walk(place, {}, {}, links)).totals.files; });
+    }
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(files, 200);
+}
+
+/// A real tree of odd names, hard links, links and pipes.
+void plantRealTree(const TemporaryFolder& home, std::mt19937& random) {
+    const char* const names[] = {"plain", "Caf\u00E9", "cafe\u0301", "a\nb", "-rf", " ", "\xFF\xFE", "*"};
+    std::vector<std::string> folders{"r"};
+    std::vector<std::string> files{home.makeFile("r/first")};
+    for (int made = 0; made < 120; ++made) {
+        const std::string name = "/" + std::string(names[random() % std::size(names)]) + std::to_string(made);
+        const std::string path = folders[random() % folders.size()] + name;
+        switch (random() % 8) {
+            case 0:
+                home.makeLink(path, files[random() % files.size()]);
+                break;
+            case 1:
+                std::filesystem::create_hard_link(files[random() % files.size()], home / path);
+                break;
+            case 2:
+                ASSERT_EQ(::mkfifo((home / path).c_str(), 0600), 0);
+                break;
+            case 3:
+            case 4:
+            case 5:
+                home.makeFolder(path);
+                folders.push_back(path);
+                break;
+            default:
+                files.push_back(home.makeFile(path, std::string(random() % 20'000, 'x')));
+        }
+    }
+}
+
+/// What the files below a folder take, by the standard library's own walk.
+WalkTotals independentSum(const std::filesystem::path& root) {
+    WalkTotals totals;
+    std::set<ino_t> seen;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+        struct stat found{};
+        EXPECT_EQ(::lstat(entry.path().c_str(), &found), 0);
+        if (S_ISLNK(found.st_mode)) {
+            ++totals.linksSkipped;
+        } else if (!S_ISDIR(found.st_mode) && seen.insert(found.st_ino).second) {
+            ++totals.files;
+            totals.allocatedBytes += found.st_blocks * 512;
+        }
+    }
+    return totals;
+}
+
+TEST(SizeWalkerSharedStateTest, agreesWithAnIndependentSumOfRealFolders) {
+    for (int round = 0; round < test::rounds(4); ++round) {
+        std::mt19937 random(static_cast<unsigned>(round));
+        const TemporaryFolder home;
+        plantRealTree(home, random);
+        const Measured expected{independentSum(home / "r"), {}, {}};
+        for (const unsigned helpers : {0U, 1U, 4U}) {
+            const SizeWalker walker{.access = [](const auto&) { return AccessDecision{}; }, .helpers = helpers};
+            LinkSet links;
+            EXPECT_EQ(walker.walk(home / "r", {}, {}, links), WalkResult(expected)) << helpers;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vostrel

@@ -228,6 +228,8 @@ std::vector<PathForm> PathGuards::recognisedForms(const PathForm& form) const {
         if (!facts) continue;
         const auto place = places->recognised.find(facts->identity);
         if (place == places->recognised.end()) continue;
+        const auto present = around->examine(place->second.spelledPath());
+        if (!present || present->identity != facts->identity) continue;  // the number went to another folder since
         if (auto alias = formBelow(place->second, form.spelledBelow(above))) forms.push_back(std::move(*alias));
     }
     return forms;

@@ -119,6 +119,9 @@ void expectRefusals(const PathGuards& guards, const std::vector<Row>& rows) {
         EXPECT_EQ(guards.refusalForRoot(path).value_or(open), asRoot) << path;
         EXPECT_EQ(guards.refusalForItem(path).value_or(open), asItem) << path;
         EXPECT_EQ(guards.refusalForVerifiedItem(path).value_or(open), asItem) << path;
+        if (path.starts_with('/')) {
+            EXPECT_EQ(guards.refusalForItem("/System/Volumes/Data" + path).has_value(), asItem != open) << path;
+        }
         if (path.size() < 2 || path[0] != '/' || path != std::filesystem::path(path).lexically_normal()) continue;
         EXPECT_EQ(guards.refusalForWalkedItem(top, path.substr(1)).value_or(open), asItem) << path;
     }
@@ -528,6 +531,21 @@ TEST(PathGuardsTest, showsTheHomeAsATilde) {
     EXPECT_EQ(guards.displayPath("/home/ann/a b/"), "~/a b");
     EXPECT_EQ(guards.displayPath("/data/ann/x"), "~/x");
     EXPECT_EQ(guards.displayPath("/home/anna/x"), "/home/anna/x");
+}
+
+TEST(PathGuardsTest, recognisesAPlaceOnlyWhileItIsTheSameFolder) {
+    FakeSystem system;
+    auto surroundings = system.surroundings("/home/ann", SystemKind::linux);
+    std::map<std::string, std::uint64_t> inodes{{"/home/ann/.kube", 7}, {"/home/ann/.ssh", 8}};
+    surroundings.examine = [&](const std::filesystem::path& path) -> std::optional<GuardSurroundings::FileOwner> {
+        const auto inode = inodes.find(path.native());
+        if (inode == inodes.end()) return std::nullopt;
+        return GuardSurroundings::FileOwner{{1, inode->second}, 501};
+    };
+    const PathGuards guards(surroundings);
+    inodes = {{"/home/ann/.ssh", 8}, {"/home/ann/src", 7}, {"/data/alias", 8}};
+    EXPECT_EQ(guards.refusalForRoot("/home/ann/src/x"), std::nullopt);
+    EXPECT_EQ(guards.refusalForRoot("/data/alias/x"), inside("~/.ssh"));
 }
 
 class PathGuardsOnDiskTest : public testing::Test {

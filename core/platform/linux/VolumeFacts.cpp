@@ -28,6 +28,15 @@ struct FileSystemUUID {
 };
 constexpr unsigned long getFileSystemUUID = _IOR(0x15, 0, FileSystemUUID);
 
+/// The answer to ext4's own question for it, which has been there longer (Linux 5.19) and answers where the general
+/// one does not know.
+struct Ext4UUID {
+    std::uint32_t length = 16;
+    std::uint32_t flags = 0;
+    std::array<std::uint8_t, 16> bytes{};
+};
+constexpr unsigned long ext4UUID = _IOR('f', 44, std::uint64_t);
+
 std::optional<struct statx> extendedFacts(int file, unsigned mask) {
     struct statx facts{};
     if (::statx(file, "", AT_EMPTY_PATH, mask, &facts) != 0) return std::nullopt;
@@ -71,11 +80,20 @@ bool keepsLocalFiles(std::string_view type, dev_t device) {
     return major(device) != 0 || std::ranges::find(withoutBlockDevice, type) != withoutBlockDevice.end();
 }
 
-std::optional<std::string> uuidFromFileSystem(int folder) {
+/// Some file systems answer with nothing but zeros when they do not know.
+std::optional<std::string> textOf(const std::array<std::uint8_t, 16>& bytes) {
+    if (std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte == 0; })) return std::nullopt;
+    return Uuid(bytes).text();
+}
+
+std::optional<std::string> uuidFromFileSystem(int folder, std::string_view type) {
     FileSystemUUID answer{};
-    if (::ioctl(folder, getFileSystemUUID, &answer) != 0 || answer.length != answer.bytes.size()) return std::nullopt;
-    if (std::ranges::all_of(answer.bytes, [](std::uint8_t byte) { return byte == 0; })) return std::nullopt;
-    return Uuid(answer.bytes).text();
+    if (::ioctl(folder, getFileSystemUUID, &answer) == 0 && answer.length == answer.bytes.size()) {
+        if (auto uuid = textOf(answer.bytes)) return uuid;
+    }
+    Ext4UUID own;
+    if (type == "ext4" && ::ioctl(folder, ext4UUID, &own) == 0) return textOf(own.bytes);
+    return std::nullopt;
 }
 
 /// The block device that is mounted: btrfs shows another number in `stat` than its disk has.
@@ -153,7 +171,7 @@ std::optional<std::string> volumeUUID(int openFolder) {
     const auto type = mount ? std::optional(mount->type) : typeByMagic(openFolder);
     if (!type || !keepsLocalFiles(*type, facts.st_dev)) return std::nullopt;
 
-    auto uuid = uuidFromFileSystem(openFolder);
+    auto uuid = uuidFromFileSystem(openFolder, *type);
     if (!uuid) uuid = uuidFromDeviceList(mountedDevice(mount, facts.st_dev));
     if (!uuid && (type == "tmpfs" || type == "overlay")) return identifierFromStatistics(openFolder);
     return uuid && type == "btrfs" ? withSubvolume(*uuid, openFolder) : uuid;

@@ -82,7 +82,7 @@ void FolderWalk::walkSubfolder(Level& level) {
     } else if (folder->depth > maxDepth) {
         accounting.tooDeep(folder->asWalked());
     } else if (mustStop()) {
-        // What is above it learns of the stop when it is left.
+        accounting.notReached(folder->asWalked());
     } else {
         if (isQueued) {
             ahead.await(*folder, reader, stopTest, listedTest);
@@ -144,6 +144,11 @@ void FolderWalk::account(ListedFolder& folder) {
 
 void FolderWalk::leave() {
     ListedFolder& folder = *levels.back().folder;
+    for (std::size_t left = levels.back().next; left < folder.subfolders.size(); ++left) {
+        ListedFolder* missed = folderFor(folder, folder.subfolders[left]);
+        accounting.notReached(missed->asWalked());
+        putBack(missed);
+    }
     accounting.finished(folder.asWalked(), isStopped);
     putBack(&folder);
     levels.pop_back();

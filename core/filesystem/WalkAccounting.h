@@ -63,6 +63,8 @@ public:
     /// Its entries are known: all of them, or those met before `end` came about; `error` belongs to a failed end.
     virtual void listed(const WalkedFolder& folder, const FileStatus& status, FolderNotes& notes, ListingEnd end,
                         int error) = 0;
+    /// The walk was stopped before it came to this subfolder.
+    virtual void notReached(const WalkedFolder& /*folder*/) {}
     /// Everything below it is done, or the walk was stopped.
     virtual void finished(const WalkedFolder& folder, bool stopped) = 0;
 };

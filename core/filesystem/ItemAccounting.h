@@ -1,0 +1,130 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Glob.h"
+#include "filesystem/FolderSource.h"
+#include "filesystem/LinkSet.h"
+#include "filesystem/MeasuredItem.h"
+#include "filesystem/PathGuards.h"
+#include "filesystem/WalkAccounting.h"
+
+namespace vostrel {
+
+/// What counts as one item of a walked folder.
+enum class ItemsAre { theFolderItself, topLevelEntries, topLevelFiles, filesAtAnyDepth };
+
+/// What a walk for items goes by. Everything referred to outlives the walk; the functions are called on several
+/// threads.
+struct ItemQuestions {
+    ItemsAre itemsAre = ItemsAre::theFolderItself;
+    const PathGuards& guards;
+    const PathGuards::WalkRoot& root;
+    /// Names that are never taken, nor a folder that holds them.
+    const Glob::Patterns& exclusions;
+    /// Whether the name of an item is one that is looked for; what it does not admit is no item at all.
+    std::function<bool(std::string_view name, std::uint64_t fileID, EntryType type)> admits;
+};
+
+/// What one folder's listing leaves for its items: entries one by one where they are items, else their sum.
+class ItemNotes final : public FolderNotes {
+public:
+    struct LinkedFile {
+        std::uint64_t fileID = 0;
+        std::int64_t allocated = 0;
+    };
+    struct KeptEntry {
+        FolderEntry entry;  // its name lies in `names`
+        std::size_t nameStart = 0;
+        std::size_t nameLength = 0;
+    };
+
+    explicit ItemNotes(const ItemQuestions& forWhat) : questions(forWhat) {}
+
+    void entry(const FolderEntry& entry) override;
+    void clear() override;
+    [[nodiscard]] std::size_t footprint() const override;
+    [[nodiscard]] std::string_view nameOf(const KeptEntry& kept) const;
+
+    /// The folder, relative to the one that is walked.
+    std::string folder;
+    /// Its entries are items, not parts of one.
+    bool holdsItems = false;
+    TreeFacts sum;
+    std::vector<LinkedFile> linkedFiles;
+    std::vector<KeptEntry> entries;
+
+private:
+    void add(const FolderEntry& entry);
+
+    const ItemQuestions& questions;
+    std::string names;
+};
+
+/// Finds the items of a folder and measures each.
+class ItemAccounting final : public WalkAccounting {
+public:
+    /// `found` gets every item, troubled ones included, in the walk's order.
+    ItemAccounting(const ItemQuestions& questions, FolderSource& source, LinkSet& links,
+                   std::function<void(MeasuredItem&&)> found);
+
+    /// Has `seen` called with each folder that was listed and the sum of the files directly in it.
+    void watch(std::function<void(const WalkedFolder&, const TreeFacts&)> seen) { watcher = std::move(seen); }
+
+    [[nodiscard]] std::unique_ptr<FolderNotes> makeNotes() const override;
+    void prepare(const WalkedFolder& folder, const FolderNotes* parent, FolderNotes& notes) override;
+    WalkDecision decide(const WalkedFolder& folder) override;
+    void leftOut(const WalkedFolder& folder, WalkDecision decision) override;
+    void tooDeep(const WalkedFolder& folder) override;
+    void couldNotOpen(const WalkedFolder& folder, int error) override;
+    void onOtherVolume(const WalkedFolder& folder) override;
+    void listed(const WalkedFolder& folder, const FileStatus& status, FolderNotes& notes, ListingEnd end,
+                int error) override;
+    void notReached(const WalkedFolder& folder) override;
+    void finished(const WalkedFolder& folder, bool stopped) override;
+
+    /// The error that kept the walked folder itself from being opened or listed; 0 when there was none.
+    [[nodiscard]] int rootError() const { return failure; }
+    /// The walked folder itself, as it was opened.
+    [[nodiscard]] FileIdentity rootIdentity() const { return root; }
+
+private:
+    struct Level {
+        std::string relativePath;
+        FileStatus status;
+        TreeFacts facts;
+        /// The newest arrival among this folder and those around it, the walked folder aside.
+        std::optional<Date> added;
+    };
+
+    [[nodiscard]] bool holdsItems(std::size_t depth) const;
+    [[nodiscard]] bool isItem(std::size_t depth) const;
+    [[nodiscard]] std::string relativePathOf(const WalkedFolder& folder) const;
+    void trouble(const WalkedFolder& folder, MeasuredItem::Trouble trouble,
+                 const std::optional<std::string>& refusal = {});
+    void reportEntries(const ItemNotes& notes);
+    void reportEntry(std::string_view folder, std::string_view name, const FolderEntry& entry);
+    void measure(const FolderEntry& entry, MeasuredItem& item);
+    void countLinkedFiles(const ItemNotes& notes);
+    /// What a listing that ended early did not come to.
+    void reportRest(const WalkedFolder& folder, ListingEnd end);
+    void reportFolder(Level&& level, const WalkedFolder& folder, bool stopped);
+    [[nodiscard]] static FileIdentity identityOf(const FileStatus& status);
+
+    const ItemQuestions& questions;
+    FolderSource& source;
+    LinkSet& links;
+    std::function<void(MeasuredItem&&)> found;
+    std::function<void(const WalkedFolder&, const TreeFacts&)> watcher;
+    FileIdentity root;
+    std::vector<Level> levels;
+    int failure = 0;
+};
+
+}  // namespace vostrel

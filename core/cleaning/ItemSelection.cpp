@@ -1,0 +1,72 @@
+#include "cleaning/ItemSelection.h"
+
+#include <chrono>
+#include <utility>
+
+#include "filesystem/FileFacts.h"
+
+namespace vostrel {
+
+namespace {
+
+using Trouble = MeasuredItem::Trouble;
+
+/// The first reason to leave the item out that its measuring gives, in the order in which a user should hear them.
+std::optional<SkipReason> reasonToSkip(const MeasuredItem& item) {
+    const TreeFacts& facts = item.facts;
+    if (item.trouble == Trouble::isLink) return SkipReason::symlink;
+    if (item.trouble == Trouble::onOtherVolume || facts.crossesVolume) return SkipReason::otherVolume;
+    if (item.trouble == Trouble::isProtected) return SkipReason::protectedPlace;
+    if (item.trouble == Trouble::isExcluded || facts.containsExcluded) return SkipReason::containsExcluded;
+    if (facts.protectedRefusal) return SkipReason::protectedPlace;
+    if (item.trouble == Trouble::couldNotRead || facts.unreadableCount > 0) return SkipReason::unreadable;
+    if (item.trouble == Trouble::notMeasuredInTime) return SkipReason::timedOut;
+    if (item.trouble == Trouble::changedMeanwhile) return SkipReason::changedWhileChecking;
+    if (facts.containsDataless) return SkipReason::notDownloaded;
+    return std::nullopt;
+}
+
+}  // namespace
+
+void ItemSelection::take(MeasuredItem&& item) {
+    auto url = urlOf(item);
+    if (const auto reason = reasonToSkip(item)) {
+        plan.skipped.push_back({std::move(url), *reason, std::move(item.facts.protectedRefusal)});
+        return;
+    }
+    const Date ageDate = ageDateOf(item, url, rule.filter.ageBasis);
+    if (!isOldEnough(ageDate) || item.facts.bytes < rule.filter.minSizeBytes.value_or(0)) return;
+    if (now - item.facts.newestUse < recentUse) {
+        plan.skipped.push_back({std::move(url), SkipReason::tooRecent, std::nullopt});
+        return;
+    }
+    PlannedItem planned;
+    planned.url = std::move(url);
+    planned.bytes = item.facts.bytes;
+    planned.ageDate = ageDate;
+    planned.fileID = item.identity.inode;
+    planned.device = item.identity.device;
+    planned.parent = item.parent;
+    planned.inUseDate = item.facts.newestUse;
+    planned.isDirectory = item.type == EntryType::folder;
+    planned.fileCount = item.facts.fileCount;
+    planned.rootIndex = rootIndex;
+    plan.items.push_back(std::move(planned));
+    const bool lacksAddedDate = rule.filter.ageBasis == AgeBasis::modified && !root.recordsAddedDates;
+    plan.limitedDates = plan.limitedDates || lacksAddedDate;
+}
+
+std::filesystem::path ItemSelection::urlOf(const MeasuredItem& item) const {
+    if (item.relativePath.empty()) return root.root.url;
+    std::string path = root.root.url.native();
+    path += '/';
+    path += item.relativePath;
+    return path;
+}
+
+bool ItemSelection::isOldEnough(Date ageDate) const {
+    if (!rule.filter.minAgeDays) return true;
+    return ageDate <= now - std::chrono::days(*rule.filter.minAgeDays);
+}
+
+}  // namespace vostrel

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "base/Date.h"
+#include "cleaning/RootOpening.h"
+#include "filesystem/MeasuredItem.h"
+#include "rules/CleanupPlan.h"
+#include "rules/Rule.h"
+
+namespace vostrel {
+
+/// Decides of each measured item of one root whether it is planned, left out with a reason, or no item of the rule at
+/// all (too young, too small).
+class ItemSelection {
+public:
+    /// An item in which anything changed within this time is in use.
+    static constexpr std::chrono::seconds recentUse{600};
+
+    /// Adds to `into`; `date` is the plan's. All references outlive the object.
+    ItemSelection(const Rule& forRule, const OpenedRoot& ofRoot, std::size_t index, Date date, CleanupPlan& into)
+        : rule(forRule), root(ofRoot), rootIndex(index), now(date), plan(into) {}
+
+    void take(MeasuredItem&& item);
+
+private:
+    [[nodiscard]] std::filesystem::path urlOf(const MeasuredItem& item) const;
+    [[nodiscard]] bool isOldEnough(Date ageDate) const;
+
+    const Rule& rule;
+    const OpenedRoot& root;
+    std::size_t rootIndex;
+    Date now;
+    CleanupPlan& plan;
+};
+
+}  // namespace vostrel

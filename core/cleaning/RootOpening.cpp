@@ -1,0 +1,154 @@
+#include "cleaning/RootOpening.h"
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "base/Visit.h"
+#include "filesystem/PathForm.h"
+#include "platform/CloudState.h"
+#include "platform/FolderOpening.h"
+#include "platform/OwnedDescriptor.h"
+
+namespace vostrel {
+
+namespace {
+
+using Kind = PlanError::Kind;
+
+PlanError errorOf(const ResolveError& error) {
+    switch (error.kind) {
+        case ResolveError::Kind::rootMissing:
+            return {Kind::rootMissing, error.sentence};
+        case ResolveError::Kind::rootUnreadable:
+            return {Kind::rootUnreadable, error.sentence};
+        case ResolveError::Kind::settingUnreadable:
+            return {Kind::settingUnreadable, error.sentence};
+        case ResolveError::Kind::protectedRoot:
+            return {Kind::protectedRoot, error.sentence};
+        case ResolveError::Kind::presetUnknown:
+            return {Kind::presetUnknown, error.sentence};
+    }
+    return PlanError::of(Kind::rootMissing);
+}
+
+PlanError errorOfMissing(int code) {
+    return PlanError::of(code == ENOENT || code == ENOTDIR ? Kind::rootMissing : Kind::rootUnreadable);
+}
+
+bool isSameFolder(const FileStatus& left, const FileStatus& right) {
+    return left.type == right.type && left.device == right.device && left.inode == right.inode &&
+           left.mount == right.mount;
+}
+
+bool overlap(const PlanRoot& left, const PlanRoot& right) {
+    if (left.identity == right.identity) return true;
+    const auto leftForm = PathForm::of(left.url);
+    const auto rightForm = PathForm::of(right.url);
+    return !leftForm || !rightForm || leftForm->contains(*rightForm) || rightForm->contains(*leftForm);
+}
+
+}  // namespace
+
+bool OpenedRoot::isStillThere() const {
+    const auto now = statusOfPath(root.url);
+    return now && isSameFolder(*now, status);
+}
+
+std::expected<std::vector<OpenedRoot>, PlanError> RootOpening::open(const Rule& rule,
+                                                                    const PresetCatalog& catalog) const {
+    const auto resolved = resolve(rule, catalog);
+    if (!resolved) return std::unexpected(resolved.error());
+    std::vector<OpenedRoot> roots;
+    for (const auto& root : *resolved) {
+        auto opened = open(root, rule);
+        if (!opened) return std::unexpected(std::move(opened.error()));
+        for (const auto& other : roots) {
+            if (overlap(other.root, opened->root)) return std::unexpected(PlanError::of(Kind::overlappingRoots));
+        }
+        roots.push_back(std::move(*opened));
+    }
+    if (roots.empty()) return std::unexpected(PlanError::of(Kind::rootMissing));
+    return roots;
+}
+
+std::expected<std::vector<ResolvedRoot>, PlanError> RootOpening::resolve(const Rule& rule,
+                                                                         const PresetCatalog& catalog) const {
+    const auto unplanned = visit(
+        rule.target, [](const FolderTarget&) { return std::optional<PlanError>{}; },
+        [](const PresetTarget&) { return std::optional(PlanError::of(Kind::presetUnknown)); },
+        [](const ProjectScanTarget&) { return std::optional(PlanError::of(Kind::rootMissing)); });
+    if (unplanned) return std::unexpected(*unplanned);
+    auto roots = resolver.resolve(rule.target, catalog);
+    if (!roots) return std::unexpected(errorOf(roots.error()));
+    return *std::move(roots);
+}
+
+std::expected<OpenedRoot, PlanError> RootOpening::open(const ResolvedRoot& resolved, const Rule& rule) const {
+    std::error_code failure;
+    const auto real = std::filesystem::canonical(resolved.url, failure);
+    if (failure) return std::unexpected(errorOfMissing(failure.value()));
+    const auto before = statusOfPath(real);
+    if (!before) return std::unexpected(errorOfMissing(before.error()));
+    if (before->type != EntryType::folder) return std::unexpected(PlanError::of(Kind::rootNotDirectory));
+
+    const OwnedDescriptor folder(openFolder(real));
+    if (!folder.isOpen()) return std::unexpected(errorOfMissing(errno));
+    OpenedRoot opened;
+    opened.root.url = real;
+    opened.root.given = resolved.url;
+    opened.root.exception = resolved.exception;
+    opened.root.setting = resolved.setting;
+    opened.root.screenshotFolder = resolved.screenshotFolder;
+    opened.root.trashOnly = resolved.trashOnly;
+    opened.root.linkedAtPlanning = resolved.linked;
+    opened.root.iCloudAtPlanning = isInCloudStorage(real);
+    if (auto error = identify(folder.get(), opened)) return std::unexpected(*std::move(error));
+    if (auto error = refuse(resolved, opened, rule)) return std::unexpected(*std::move(error));
+    const bool isTheSame = isSameFolder(*before, opened.status) && opened.isStillThere();
+    if (!isTheSame) return std::unexpected(PlanError::of(Kind::rootChanged));
+    if (auto error = checkBasis(folder.get(), rule.filter.ageBasis, opened)) return std::unexpected(*std::move(error));
+    return opened;
+}
+
+std::optional<PlanError> RootOpening::identify(int openFolder, OpenedRoot& opened) const {
+    const auto status = statusOfOpen(openFolder);
+    if (!status) return PlanError::of(Kind::rootUnreadable);
+    opened.status = *status;
+    const auto uuid = volume.volumeUUID(openFolder);
+    if (!uuid) return PlanError::of(Kind::rootHasNoVolumeUUID);
+    opened.root.identity = {*uuid, status->inode};
+    return std::nullopt;
+}
+
+std::optional<PlanError> RootOpening::refuse(const ResolvedRoot& resolved, const OpenedRoot& opened,
+                                             const Rule& rule) const {
+    for (const auto& path : {resolved.url, opened.root.url}) {
+        if (auto refusal = guards.refusalForRoot(path, resolved.exception)) {
+            return PlanError{Kind::protectedRoot, *std::move(refusal)};
+        }
+    }
+    if (resolved.mustBeOwnedByUser) {
+        if (auto refusal = resolver.ownershipRefusal(resolved.url, opened.status)) {
+            return PlanError{Kind::folderNotTrusted, *std::move(refusal)};
+        }
+    }
+    if (rule.action == CleanupAction::deletePermanently && resolved.linked) {
+        return PlanError{Kind::actionNotAllowed,
+                         guards.displayPath(resolved.url) +
+                             " leads to another folder through a link, so this rule can only move items to the Trash, "
+                             "not delete them."};
+    }
+    return std::nullopt;
+}
+
+std::optional<PlanError> RootOpening::checkBasis(int openFolder, AgeBasis basis, OpenedRoot& opened) const {
+    const std::string type = volume.fileSystemType(openFolder).value_or("");
+    opened.recordsAddedDates = recordsAddedDates(type);
+    const bool isKept = basis == AgeBasis::modified || (basis == AgeBasis::added && opened.recordsAddedDates) ||
+                        (basis == AgeBasis::lastOpened && recordsLastUsedDates(type, volume.accessTimes(openFolder)));
+    if (!isKept) return PlanError::of(Kind::basisUnsupportedOnThisDisk);
+    return std::nullopt;
+}
+
+}  // namespace vostrel

@@ -93,9 +93,9 @@ std::unique_ptr<FolderNotes> ItemAccounting::makeNotes() const {
 }
 
 void ItemAccounting::prepare(const WalkedFolder& folder, const FolderNotes* parent, FolderNotes& notes) {
-    auto& prepared = static_cast<ItemNotes&>(notes);
+    auto& prepared = dynamic_cast<ItemNotes&>(notes);
     prepared.holdsItems = holdsItems(folder.depth);
-    if (parent != nullptr) prepared.folder = joined(static_cast<const ItemNotes&>(*parent).folder, folder.name);
+    if (parent != nullptr) prepared.folder = joined(dynamic_cast<const ItemNotes&>(*parent).folder, folder.name);
 }
 
 bool ItemAccounting::holdsItems(std::size_t depth) const {
@@ -178,7 +178,7 @@ void ItemAccounting::trouble(const WalkedFolder& folder, Trouble trouble, const 
 
 void ItemAccounting::listed(const WalkedFolder& folder, const FileStatus& status, FolderNotes& notes, ListingEnd end,
                             int error) {
-    const auto& noted = static_cast<const ItemNotes&>(notes);
+    const auto& noted = dynamic_cast<const ItemNotes&>(notes);
     Level level{noted.folder, status, noted.sum, std::nullopt};
     level.facts.addDates(status.modified, status.changed, status.added);
     level.facts.containsDataless = level.facts.containsDataless || status.isDataless;
@@ -277,7 +277,7 @@ void ItemAccounting::finished(const WalkedFolder& folder, bool stopped) {
     }
 }
 
-void ItemAccounting::reportFolder(Level&& level, const WalkedFolder& folder, bool stopped) {
+void ItemAccounting::reportFolder(Level level, const WalkedFolder& folder, bool stopped) {
     MeasuredItem item;
     item.relativePath = std::move(level.relativePath);
     item.type = EntryType::folder;
@@ -298,7 +298,7 @@ FileIdentity ItemAccounting::identityOf(const FileStatus& status) {
     return {status.device, status.inode};
 }
 
-std::string ItemAccounting::relativePathOf(const WalkedFolder& folder) const {
+std::string ItemAccounting::relativePathOf(const WalkedFolder& folder) {
     // The folder lies as deep below the walked one as its depth says.
     std::size_t start = folder.path.size();
     for (std::size_t left = folder.depth; left > 0; --left)

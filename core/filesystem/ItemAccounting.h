@@ -105,7 +105,7 @@ private:
 
     [[nodiscard]] bool holdsItems(std::size_t depth) const;
     [[nodiscard]] bool isItem(std::size_t depth) const;
-    [[nodiscard]] std::string relativePathOf(const WalkedFolder& folder) const;
+    [[nodiscard]] static std::string relativePathOf(const WalkedFolder& folder);
     void trouble(const WalkedFolder& folder, MeasuredItem::Trouble trouble,
                  const std::optional<std::string>& refusal = {});
     void reportEntries(const ItemNotes& notes);
@@ -114,7 +114,7 @@ private:
     void countLinkedFiles(const ItemNotes& notes);
     /// What a listing that ended early did not come to.
     void reportRest(const WalkedFolder& folder, ListingEnd end);
-    void reportFolder(Level&& level, const WalkedFolder& folder, bool stopped);
+    void reportFolder(Level level, const WalkedFolder& folder, bool stopped);
     [[nodiscard]] static FileIdentity identityOf(const FileStatus& status);
 
     const ItemQuestions& questions;

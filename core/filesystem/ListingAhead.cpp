@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ranges>
 #include <system_error>
 
 #include "platform/Materialisation.h"
@@ -43,7 +44,8 @@ void ListingAhead::begin() {
         for (unsigned helper = 0; helper < helperCount; ++helper)
             threads.emplace_back([this] { help(); });
     } catch (const std::system_error&) {
-        // No thread to be had: those that started help, and the walking thread lists the rest.
+        const std::lock_guard guard(lock);
+        helperCount = static_cast<unsigned>(threads.size());  // there are no more to be had
     }
 }
 
@@ -135,7 +137,7 @@ void ListingAhead::await(ListedFolder& folder, FolderReader& reader, const std::
     Guard guard(lock);
     reportHeld(guard, listed);
     if (folder.state == ListedFolder::State::waiting) {
-        waiting.erase(std::find(waiting.rbegin(), waiting.rend(), &folder).base() - 1);
+        waiting.erase(std::ranges::find(waiting | std::views::reverse, &folder).base() - 1);  // near the end
         guard.unlock();
         reader.read(folder, mustStop);
         return;

@@ -61,11 +61,11 @@ std::unique_ptr<FolderNotes> SizeAccounting::makeNotes() const {
 
 void SizeAccounting::prepare(const WalkedFolder& folder, const FolderNotes* parent, FolderNotes& notes) {
     if (marks.isEmpty()) return;
-    auto& prepared = static_cast<SizeNotes&>(notes);
+    auto& prepared = dynamic_cast<SizeNotes&>(notes);
     if (parent == nullptr) {
         prepared.key = rootKey;
     } else {
-        prepared.key = static_cast<const SizeNotes&>(*parent).key;
+        prepared.key = dynamic_cast<const SizeNotes&>(*parent).key;
         MarkIndex::appendName(prepared.key, folder.name);
     }
     prepared.keepsNames = marks.isHolder(prepared.key);
@@ -106,7 +106,7 @@ void SizeAccounting::onOtherVolume(const WalkedFolder& folder) {
 
 void SizeAccounting::listed(const WalkedFolder& folder, const FileStatus& status, FolderNotes& notes, ListingEnd end,
                             int error) {
-    const auto& found = static_cast<const SizeNotes&>(notes);
+    const auto& found = dynamic_cast<const SizeNotes&>(notes);
     levels.push_back({found.totals, found.key, std::nullopt});
     countLinkedFiles(found, status.device);
     skipMarksOfEntries(found);

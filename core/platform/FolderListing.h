@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <expected>
-#include <memory>
+#include <vector>
 
 #include "platform/FolderEntry.h"
 
@@ -24,7 +24,7 @@ public:
 
 private:
     ListingDetail detail;
-    std::unique_ptr<std::byte[]> buffer;
+    std::vector<std::byte> buffer;
 };
 
 }  // namespace vostrel

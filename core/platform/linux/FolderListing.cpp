@@ -76,14 +76,13 @@ void report(int openFolder, const KernelEntry& listed, ListingDetail detail, Ent
 
 }  // namespace
 
-FolderListing::FolderListing(ListingDetail wanted)
-    : detail(wanted), buffer(std::make_unique_for_overwrite<std::byte[]>(bufferSize)) {}
+FolderListing::FolderListing(ListingDetail wanted) : detail(wanted), buffer(bufferSize) {}
 
 std::expected<FolderListing::Step, int> FolderListing::readSome(int openFolder, EntrySink& sink) {
-    const long filled = syscall(SYS_getdents64, openFolder, buffer.get(), bufferSize);
+    const long filled = syscall(SYS_getdents64, openFolder, buffer.data(), bufferSize);
     if (filled < 0) return std::unexpected(errno);
     for (long at = 0; at < filled;) {
-        const auto* listed = reinterpret_cast<const KernelEntry*>(buffer.get() + at);
+        const auto* listed = reinterpret_cast<const KernelEntry*>(buffer.data() + at);
         at += listed->length;
         if (!isSelfOrParent(listed->name())) report(openFolder, *listed, detail, sink);
     }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "cli/CommandLine.h"
+
+namespace vostrel::cli {
+
+/// Each group adds its commands to the command line; reading the line leaves the chosen one in `chosen`.
+
+void addRuleCommands(CLI::App& app, Command& chosen);
+void addAccessCommand(CLI::App& app, Command& chosen);
+
+}  // namespace vostrel::cli

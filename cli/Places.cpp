@@ -1,0 +1,53 @@
+#include "cli/Places.h"
+
+#include <sys/stat.h>
+
+#include <string>
+#include <system_error>
+
+#include "platform/ApplicationData.h"
+#include "platform/UserAccount.h"
+
+namespace vostrel::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* folderOfData = "vostrel";
+
+std::expected<fs::path, Failure> namedHome(const fs::path& named) {
+    std::error_code problem;
+    const fs::path home = fs::canonical(named, problem);
+    struct stat facts = {};
+    if (problem || ::stat(home.c_str(), &facts) != 0 || !S_ISDIR(facts.st_mode))
+        return wrongCommandLine("--home: there is no folder " + named.native() + ".");
+    if (facts.st_uid != effectiveUserID())
+        return wrongCommandLine("--home: " + home.native() +
+                                " belongs to another user, and Vostrel acts only in homes of yours.");
+    return home;
+}
+
+std::expected<fs::path, Failure> ownHome() {
+    std::error_code problem;
+    const fs::path home = fs::canonical(accountHome(), problem);
+    if (problem) return failed("Your account has no home folder. Name one with --home.");
+    return home;
+}
+
+}  // namespace
+
+std::expected<Places, Failure> placesFor(const GlobalOptions& options) {
+    const auto home = options.home ? namedHome(*options.home) : ownHome();
+    if (!home) return std::unexpected(home.error());
+    Places places{.home = *home, .accountHome = accountHome(), .data = {}, .environment = processEnvironment()};
+    if (options.home)
+        std::erase_if(places.environment, [](const auto& each) { return each.first.starts_with("XDG_"); });
+    std::error_code problem;
+    places.data = options.data ? fs::absolute(*options.data, problem)
+                               : applicationDataFolder(places.home, places.environment) / folderOfData;
+    if (places.data.empty()) return wrongCommandLine("--data: a folder is needed.");
+    return places;
+}
+
+}  // namespace vostrel::cli

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/Date.h"
+#include "rules/Rule.h"
+
+namespace vostrel::cli {
+
+/// A rule in the words of people.
+
+/// "/home/a/Downloads"; "preset npm-cache"; "projects in /home/a/Code untouched for 90 days".
+[[nodiscard]] std::string targetText(const RuleTarget& target);
+
+/// What qualifies, a phrase each: "every file and folder directly in it", "last modified 30 days ago or earlier", …
+[[nodiscard]] std::vector<std::string> filterTexts(const Rule& rule);
+
+/// "moves them to the Trash".
+[[nodiscard]] std::string actionText(CleanupAction action);
+
+/// "every day at 09:05, when an app quits (org.gimp.GIMP)"; "only by hand" where there is none.
+[[nodiscard]] std::string triggersText(const std::vector<RuleTrigger>& triggers);
+
+enum class ApprovalState { none, current, outdated };
+
+/// Whether the rule is as its stored approval has it. Whether its folders still are, only a new preview tells.
+[[nodiscard]] ApprovalState approvalState(const Rule& rule, const PresetCatalog& catalog);
+[[nodiscard]] std::string approvalText(ApprovalState state);
+
+/// In local time: "2025-03-03 09:05".
+[[nodiscard]] std::string dateText(Date date);
+
+}  // namespace vostrel::cli

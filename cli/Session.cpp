@@ -1,0 +1,13 @@
+#include "cli/Session.h"
+
+namespace vostrel::cli {
+
+Session::Session(Output& messages, Clock present, Places where)
+    : output(messages),
+      clock(std::move(present)),
+      places(std::move(where)),
+      guards(GuardSurroundings::of(places.home, places.accountHome, places.environment)),
+      resolver(places.home, defaults, guards),
+      rules(places.data, clock, output) {}
+
+}  // namespace vostrel::cli

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <utility>
+
+#include "cli/CommandLine.h"
+#include "cli/Output.h"
+#include "cli/Places.h"
+#include "cli/Program.h"
+#include "cli/StoredRules.h"
+#include "filesystem/PathGuards.h"
+#include "rules/PresetCatalog.h"
+#include "rules/TargetResolver.h"
+#include "stores/DefaultsReading.h"
+
+namespace vostrel::cli {
+
+/// The long-lived objects of one home, which commands work with.
+class Session {
+public:
+    Session(Output& messages, Clock present, Places where);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    Output& output;
+    const Clock clock;
+    const Places places;
+    const SystemDefaults defaults{};
+    const PresetCatalog catalog{};
+    const PathGuards guards;
+    const TargetResolver resolver;
+    const StoredRules rules;
+};
+
+/// A command that wants the session of the home that the command line names.
+template <class Action>
+[[nodiscard]] Command inSession(Action action) {
+    return [action = std::move(action)](Program& program) -> CommandResult {
+        auto places = placesFor(program.options);
+        if (!places) return std::unexpected(std::move(places.error()));
+        Session session(program.output, Date::now, std::move(*places));
+        return action(session);
+    };
+}
+
+}  // namespace vostrel::cli

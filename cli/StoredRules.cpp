@@ -1,0 +1,43 @@
+#include "cli/StoredRules.h"
+
+#include <system_error>
+#include <utility>
+
+#include "cli/StateLock.h"
+
+namespace vostrel::cli {
+
+StoredRules::StoredRules(std::filesystem::path data, Clock present, Output& messages)
+    : folder(std::move(data)), clock(std::move(present)), output(messages), store(folder) {}
+
+std::expected<RuleBook, Failure> StoredRules::load() const {
+    std::error_code problem;
+    if (!std::filesystem::exists(folder, problem) && !problem) return RuleBook();
+    const auto lock = StateLock::take(folder);
+    if (!lock) return std::unexpected(lock.error());
+    return loadLocked();
+}
+
+CommandResult StoredRules::change(const std::function<CommandResult(RuleBook&)>& change) const {
+    const auto lock = StateLock::take(folder);
+    if (!lock) return std::unexpected(lock.error());
+    auto book = loadLocked();
+    if (!book) return std::unexpected(book.error());
+    if (auto changed = change(*book); !changed) return changed;
+    if (const auto saved = store.save(*book); !saved)
+        return failed("The rules were not saved: " + saved.error().description() + ".");
+    return {};
+}
+
+std::expected<RuleBook, Failure> StoredRules::loadLocked() const {
+    auto loaded = store.load(clock());
+    if (!loaded.recoveredFromCorruption) return std::move(loaded.value);
+    if (!loaded.movedAsideTo)
+        return failed((folder / "rules.json").native() +
+                      " is damaged and could not be moved aside, so Vostrel leaves it as it is and saves no rules.");
+    output.notice("The file rules.json was damaged. It was moved aside to " + loaded.movedAsideTo->native() +
+                  ", and the rule book is empty now.");
+    return std::move(loaded.value);
+}
+
+}  // namespace vostrel::cli

@@ -1,0 +1,114 @@
+"""Drives the program from outside, in a home folder made up for each test.
+
+The program has no option that sets its clock: a test that needs old files runs it under faketime, so many days ahead.
+"""
+
+import json
+import os
+import pathlib
+import pty
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+PROGRAM = os.environ["VOSTREL_PROGRAM"]
+
+
+class Result:
+    def __init__(self, status, out, err):
+        self.status, self.out, self.err = status, out, err
+
+    @property
+    def document(self):
+        return json.loads(self.out)
+
+    def __repr__(self):
+        return f"status {self.status}\n--- out\n{self.out}\n--- err\n{self.err}"
+
+
+class ProgramTest(unittest.TestCase):
+    """A test with a home of its own; everything it makes is removed at its end."""
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vostrel-test-")).resolve()
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.home = self.folder / "home"
+        self.data = self.home / ".local/share/vostrel"
+        # A folder that others may write to is never cleaned.
+        self.addCleanup(os.umask, os.umask(0o022))
+        self.home.mkdir()
+
+    def make(self, path, size=10, text=None):
+        """A file in the home, and the folders above it."""
+        file = self.home / path
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_bytes(text.encode() if text is not None else b"x" * size)
+        return file
+
+    def run_program(self, *arguments, days_ahead=None, **options):
+        command = [PROGRAM, "--home", self.home, *arguments]
+        environment = {key: value for key, value in os.environ.items() if not key.startswith("XDG_")}
+        environment |= options.pop("environment", {})
+        if days_ahead is not None:
+            command = ["faketime", "-f", f"+{days_ahead}d", *command]
+            environment["NO_FAKE_STAT"] = "1"
+            # The sanitizer wants to come first of what is preloaded, and nothing it checks depends on that here.
+            environment["ASAN_OPTIONS"] = environment.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0"
+        finished = subprocess.run(command, capture_output=True, text=True, env=environment, check=False, **options)
+        return Result(finished.returncode, finished.stdout, finished.stderr)
+
+    def succeed(self, *arguments, **options):
+        result = self.run_program(*arguments, **options)
+        self.assertEqual(result.status, 0, result)
+        self.assertEqual(result.err, "", result)
+        return result
+
+    def document(self, *arguments, **options):
+        return self.succeed("--json", *arguments, **options).document
+
+    def fail(self, *arguments, status=1, **options):
+        """Runs what must fail, for people and as JSON, and returns the lines of standard error."""
+        spoken = self.run_program(*arguments, **options)
+        self.assertEqual(spoken.status, status, spoken)
+        self.assertEqual(spoken.out, "", spoken)
+        written = self.run_program("--json", *arguments, **options)
+        self.assertEqual(written.status, status, written)
+        self.assertEqual(written.err, spoken.err, written)
+        self.assertEqual(written.document["error"] + "\n", spoken.err, written)
+        return spoken.err.splitlines()
+
+    def on_terminal(self, *arguments, environment=None):
+        """What the program writes when standard output and standard error are one terminal."""
+        ours, theirs = pty.openpty()
+        program = subprocess.Popen(
+            [PROGRAM, "--home", self.home, *arguments],
+            stdout=theirs,
+            stderr=theirs,
+            env=os.environ | {"TERM": "xterm"} | (environment or {}),
+        )
+        os.close(theirs)
+        written = b""
+        while True:
+            try:
+                piece = os.read(ours, 65536)
+            except OSError:
+                break
+            if not piece:
+                break
+            written += piece
+        program.wait()
+        os.close(ours)
+        return written.decode()
+
+    def rules_file(self):
+        return json.loads((self.data / "rules.json").read_text())
+
+
+def tree_of(folder):
+    """Every entry below the folder with what tells whether it was touched: to be compared before and after."""
+    entries = {}
+    for path in sorted(pathlib.Path(folder).rglob("*")):
+        facts = path.lstat()
+        entries[str(path)] = (facts.st_ino, facts.st_mode, facts.st_size, facts.st_mtime_ns, facts.st_ctime_ns)
+    return entries

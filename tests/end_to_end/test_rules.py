@@ -1,0 +1,222 @@
+import concurrent.futures
+import datetime
+import json
+import resource
+import signal
+import unittest
+
+from driver import ProgramTest
+
+UNREADABLE = """[
+  {"action": "shred", "createdAt": "2031-01-01T00:00:00.000Z", "enabled": true,
+   "id": "5E7C1A52-0000-4000-8000-00000000000A", "name": "From the future",
+   "target": {"path": "/x", "type": "folder"}, "weights": [1e400, 18446744073709551616, 1.0]},
+  "not a rule at all"]"""
+
+
+class RulesTest(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.downloads = self.home / "Downloads"
+        self.downloads.mkdir()
+
+    def add(self, name, *options):
+        return self.document("rule", "add", name, "--folder", self.downloads, *options)
+
+    def names(self):
+        return [rule["name"] for rule in self.document("rule", "list")["rules"]]
+
+    def write_rules(self, text):
+        self.data.mkdir(parents=True, exist_ok=True)
+        (self.data / "rules.json").write_text(text)
+
+    def test_a_rule_holds_everything_it_was_made_with(self):
+        rule = self.add("Old downloads", "--older-than", "30", "--by", "added", "--min-size", "1.5MB",
+                        "--include", "*.zip", "[a-c],d", "--exclude", "keep*", "--exclude", "*.key",
+                        "--scope", "allFiles", "--delete", "--daily", "09:05", "--weekly", "Monday@7:00", "1@23:59",
+                        "--end-of-day", "--below-line", "--when-app-quits", "org.example.App",
+                        "--pause-while", "org.example.One", "org.example.Two", "--disabled")
+        self.assertEqual(rule["target"], {"type": "folder", "path": str(self.downloads)})
+        self.assertEqual(rule["filter"], {
+            "minAgeDays": 30, "ageBasis": "added", "minSizeBytes": 1_500_000, "includeGlobs": ["*.zip", "[a-c],d"],
+            "excludeGlobs": ["keep*", "*.key"], "scope": "allFiles"})
+        self.assertEqual((rule["name"], rule["action"], rule["enabled"]), ("Old downloads", "delete", False))
+        self.assertEqual(rule["pauseWhileRunning"], ["org.example.One", "org.example.Two"])
+        self.assertCountEqual(rule["triggers"], [
+            {"type": "daily", "hour": 9, "minute": 5}, {"type": "weekly", "weekday": 2, "hour": 7, "minute": 0},
+            {"type": "weekly", "weekday": 1, "hour": 23, "minute": 59}, {"type": "endOfDay"}, {"type": "belowLine"},
+            {"type": "whenAppQuits", "bundleID": "org.example.App"}])
+        self.assertNotIn("approval", rule)
+        self.assertEqual(self.document("rule", "show", "old DOWNLOADS"), rule)
+        self.assertEqual(self.document("rule", "list"), {"rules": [rule], "unreadable": []})
+        self.assertEqual(self.rules_file()["rules"], [rule])
+        shown = self.succeed("rule", "show", rule["id"]).out
+        for words in ("Old downloads", "disabled, not approved", str(self.downloads), "every file in it, at any depth",
+                      "added 30 days ago or earlier", "1.5 MB or larger", "named *.zip, [a-c],d",
+                      "not named keep*, *.key, nor folders holding such a name", "deletes them for good",
+                      "every day at 09:05, every Monday at 07:00, every Sunday at 23:59, at the end of the day",
+                      "org.example.One, org.example.Two"):
+            self.assertIn(words, shown)
+
+    def test_chosen_files_are_pinned_by_what_they_are(self):
+        chosen = self.make("Downloads/film.mkv")
+        rule = self.add("One film", "--pin", "film.mkv")
+        self.assertEqual(rule["filter"]["scope"], "topLevelFiles")
+        (pin,) = rule["filter"]["pinnedFiles"]
+        self.assertEqual((pin["name"], pin["inode"]), ("film.mkv", chosen.stat().st_ino))
+        self.make("Downloads/sub/deep")
+        for missing in ("absent", "sub", "sub/deep", "/etc/passwd"):
+            self.fail("rule", "add", "Pin", "--folder", self.downloads, "--pin", missing)
+
+    def test_folders_are_named_as_in_any_shell(self):
+        (self.downloads / "deep").mkdir()
+        for given in (".", "deep/..", f"{self.downloads}/", "../Downloads"):
+            rule = self.document("rule", "add", "Here", "--folder", given, cwd=self.downloads)
+            self.assertEqual(rule["target"]["path"], str(self.downloads), given)
+
+    def test_every_problem_is_said_and_nothing_saved(self):
+        problems = [
+            ([" ", "--folder", self.downloads], ["Give the rule a name."]),
+            (["A", "--preset", "no-such"], "This preset is not available in this version of Vostrel."),
+            (["A", "--folder", ""], "Choose a folder."),
+            (["A", "--folder", self.home], None),
+            (["A", "--folder", "/usr/share"], None),
+            (["A", "--folder", "/"], None),
+            (["A", "--folder", self.downloads, "--daily", "24:00"], "A run time is not a time of day."),
+            (["A", "--folder", self.downloads, "--weekly", "8@09:00"],
+             "A weekly run has a day that does not exist."),
+            (["A", "--folder", self.downloads, "--include", ""], ["A pattern cannot be empty."]),
+            (["A", "--folder", self.downloads, "--exclude=a/b"], None),
+            (["A", "--projects", self.home / "Library/Code", "--kinds", "target", "--untouched-days", "30"],
+             "Vostrel does not look for projects inside ~/Library, where apps keep their own files."),
+            (["", "--projects", "/a", "/a", "--untouched-days", "4000", "--min-size", "1MB"], [
+                "A code folder is listed twice.", "Choose at least one kind of folder to remove.",
+                "Give the rule a name.", "Untouched days must be between 1 and 3650.",
+                "A project scan picks projects by how long they have been untouched, so it has no age, size or name "
+                "filters."]),
+        ]
+        for arguments, expected in problems:
+            with self.subTest(arguments=arguments):
+                found = self.fail("rule", "add", *arguments)
+                if isinstance(expected, list):
+                    self.assertLessEqual(set(expected), set(found))
+                elif expected is not None:
+                    self.assertEqual(found, [expected])
+                for sentence in found:
+                    self.assertRegex(sentence, r"\.$|: a/b$")
+        self.assertFalse((self.data / "rules.json").exists())
+
+    def test_rules_are_found_by_id_its_beginning_and_name(self):
+        ids = {self.add(name)["id"]: name for name in ("First", "Second", "second", "Üben")}
+        for identifier, name in ids.items():
+            for wanted in (identifier, identifier.lower(), identifier[:12]):
+                self.assertEqual(self.document("rule", "show", wanted)["name"], name)
+        self.assertEqual(self.document("rule", "show", "U\u0308BEN")["name"], "Üben")
+        self.assertEqual(len(self.fail("rule", "show", "SECOND")), 3)
+        for nothing in ("", "third", "00000000-0000-4000-8000-000000000000"):
+            self.assertEqual(self.fail("rule", "show", nothing), [f'There is no rule "{nothing}".'])
+
+    def test_rules_move_and_go(self):
+        for name in "wxyz":
+            self.add(name)
+        for wanted, position, order in (("w", 3, "xywz"), ("z", 1, "zxyw"), ("x", 2, "zxyw"), ("z", 4, "xywz")):
+            self.succeed("rule", "move", wanted, str(position))
+            self.assertEqual("".join(self.names()), order)
+        for position in ("0", "5"):
+            self.fail("rule", "move", "w", position)
+        self.assertEqual(self.document("rule", "remove", "y")["name"], "y")
+        self.assertEqual(self.names(), ["x", "w", "z"])
+        self.assertEqual(self.rules_file()["schedule"]["lastRun"], {})
+
+    def test_an_enabled_rule_counts_from_now_on(self):
+        rule = self.add("Daily", "--daily", "09:05", "--end-of-day", "--disabled")
+        self.assertEqual(self.rules_file()["schedule"]["lastRun"], {})
+        before = datetime.datetime.now(datetime.timezone.utc)
+        self.assertTrue(self.document("rule", "enable", "Daily")["enabled"])
+        counted = self.rules_file()["schedule"]["lastRun"]
+        self.assertEqual(set(counted), {rule["id"] + "/daily:09:05", rule["id"] + "/endOfDay"})
+        for date in counted.values():
+            self.assertGreaterEqual(datetime.datetime.fromisoformat(date[:23] + "+00:00"),
+                                    before - datetime.timedelta(milliseconds=1))
+        self.succeed("rule", "enable", "Daily")
+        self.assertEqual(self.rules_file()["schedule"]["lastRun"], counted)
+        self.assertFalse(self.document("rule", "disable", "Daily")["enabled"])
+
+    def test_a_rule_is_checked_against_the_disk_as_it_is_now(self):
+        self.add("Old")
+        self.assertEqual(self.document("rule", "check", "Old"), {"problems": []})
+        (self.home / "Documents").mkdir()
+        self.downloads.rmdir()
+        self.downloads.symlink_to(self.home / "Documents")
+        result = self.run_program("--json", "rule", "check", "Old")
+        self.assertEqual(result.status, 1, result)
+        self.assertEqual("\n".join(result.document["problems"]) + "\n", result.err)
+
+    def test_rules_that_cannot_be_read_are_shown_and_outlive_every_save(self):
+        self.write_rules('{"rules": ' + UNREADABLE + ', "schedule": {"lastRun": {}}, "since": 7}')
+        self.add("New")
+        self.succeed("rule", "disable", "New")
+        self.succeed("rule", "move", "New", "1")
+        shown = self.succeed("rule", "list").out
+        self.assertIn("2 rules could not be read", shown)
+        self.assertIn("From the future", shown)
+        stored = (self.data / "rules.json").read_text()
+        for verbatim in ("1e400", "18446744073709551616", "1.0", '"shred"', '"since" : 7'):
+            self.assertIn(verbatim.replace(" ", ""), stored.replace(" ", ""))
+        unreadable = self.document("rule", "list")["unreadable"]
+        self.assertEqual(unreadable, json.loads(UNREADABLE))
+        self.assertEqual(self.document("rule", "discard-unreadable"), {"discarded": 2})
+        self.assertEqual(self.document("rule", "list")["unreadable"], [])
+        self.assertEqual(self.names(), ["New"])
+
+    def test_a_damaged_rule_book_is_moved_aside_and_said_so(self):
+        self.write_rules('{"rules": [')
+        result = self.run_program("--json", "rule", "list")
+        self.assertEqual((result.status, result.document), (0, {"rules": [], "unreadable": []}))
+        (aside,) = self.data.glob("rules.corrupt-*.json")
+        self.assertEqual(aside.read_text(), '{"rules": [')
+        self.assertIn(aside.name, result.err)
+        self.assertEqual(len(result.err.splitlines()), 1)
+        self.succeed("rule", "list")
+
+    def test_nothing_is_saved_over_a_damaged_rule_book_that_could_not_be_moved(self):
+        self.write_rules("damaged")
+        now = datetime.datetime.now(datetime.timezone.utc)
+        for second in range(60):
+            stem = (now + datetime.timedelta(seconds=second)).strftime("rules.corrupt-%Y%m%d-%H%M%S")
+            for suffix in ["", *(f"-{n}" for n in range(1, 100))]:
+                (self.data / f"{stem}{suffix}.json").touch()
+        for arguments in (("rule", "list"), ("rule", "add", "A", "--folder", self.downloads)):
+            (sentence,) = self.fail(*arguments)
+            self.assertIn("is damaged and could not be moved aside", sentence)
+        self.assertEqual((self.data / "rules.json").read_text(), "damaged")
+
+    def test_a_rule_book_that_cannot_be_written_stays_whole(self):
+        self.add("First")
+        before = (self.data / "rules.json").read_bytes()
+
+        def without_space_for_files():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (0, 0))
+
+        (sentence,) = self.fail("rule", "add", "Second", "--folder", self.downloads,
+                                preexec_fn=without_space_for_files, restore_signals=False)
+        self.assertIn("The rules were not saved", sentence)
+        self.assertEqual((self.data / "rules.json").read_bytes(), before)
+        self.assertCountEqual([path.name for path in self.data.iterdir()], ["rules.json", "state.lock"])
+
+    def test_programs_at_the_same_time_lose_no_rule(self):
+        names = [f"rule {number}" for number in range(12)]
+        with concurrent.futures.ThreadPoolExecutor(6) as pool:
+            list(pool.map(self.add, names))
+        self.assertCountEqual(self.names(), names)
+
+    def test_names_cannot_steer_the_terminal(self):
+        self.add("evil\x1b[2J\nname")
+        shown = self.succeed("rule", "list").out
+        self.assertIn(r"evil\x1b[2J\nname", shown)
+        self.assertEqual(self.names(), ["evil\x1b[2J\nname"])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -52,7 +52,9 @@ CommandLine readCommandLine(int count, const char* const* arguments) {
     Request request;
     addGlobalOptions(app, request.options);
     addRuleCommands(app, request.command);
+    addPreviewCommand(app, request.command);
     addAccessCommand(app, request.command);
+    addDemoCommand(app, request.command);
     app.require_subcommand(0, 1);
     try {
         app.parse(count, arguments);

@@ -9,6 +9,8 @@ namespace vostrel::cli {
 /// Each group adds its commands to the command line; reading the line leaves the chosen one in `chosen`.
 
 void addRuleCommands(CLI::App& app, Command& chosen);
+void addPreviewCommand(CLI::App& app, Command& chosen);
 void addAccessCommand(CLI::App& app, Command& chosen);
+void addDemoCommand(CLI::App& app, Command& chosen);
 
 }  // namespace vostrel::cli

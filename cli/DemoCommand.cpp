@@ -1,0 +1,219 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <optional>
+#include <set>
+
+#include "base/SpaceFormat.h"
+#include "cleaning/CleanupPlanner.h"
+#include "cli/Commands.h"
+#include "cli/Interrupt.h"
+#include "cli/PlanDisplay.h"
+#include "cli/SampleHome.h"
+#include "cli/Session.h"
+#include "platform/FileStatus.h"
+
+namespace vostrel::cli {
+
+namespace {
+
+constexpr std::chrono::days ahead{40};
+
+/// Something that the demonstration says of itself, and whether it turned out so.
+struct Claim {
+    std::string text;
+    bool holds = false;
+};
+
+Rule oldDownloads(const SampleHome& sample, Date now) {
+    Rule rule;
+    rule.id = Uuid::random();
+    rule.name = "Old downloads";
+    rule.target = FolderTarget{sample.downloads()};
+    rule.filter.minAgeDays = 30;
+    rule.filter.ageBasis = AgeBasis::added;
+    rule.filter.excludeGlobs = {"*.keep"};
+    rule.triggers = {DailyTrigger{.hour = 9, .minute = 5}};
+    rule.createdAt = now;
+    return rule;
+}
+
+/// Blocks of the planned items, counted on the disk and without the library's walk, a hard-linked file once.
+std::int64_t bytesOnDisk(const CleanupPlan& plan) {
+    std::set<FileIdentity> counted;
+    std::int64_t bytes = 0;
+    const auto count = [&](const std::filesystem::path& path) {
+        const auto status = statusOfPath(path);
+        if (!status || status->type == EntryType::folder || status->type == EntryType::link) return;
+        if (counted.insert({status->device, status->inode}).second) bytes += status->allocated;
+    };
+    for (const auto& item : plan.items) {
+        count(item.url);
+        std::error_code failure;
+        if (!item.isDirectory) continue;
+        for (std::filesystem::recursive_directory_iterator entry(item.url, failure), end; !failure && entry != end;
+             entry.increment(failure)) {
+            count(entry->path());
+        }
+    }
+    return bytes;
+}
+
+bool isPlanned(const CleanupPlan& plan, const std::filesystem::path& path) {
+    return std::ranges::any_of(plan.items, [&](const PlannedItem& item) {
+        return path == item.url || path.native().starts_with(item.url.native() + "/");
+    });
+}
+
+class Demonstration {
+public:
+    Demonstration(Session& inSession, const SampleHome& sampleHome) : session(inSession), sample(sampleHome) {}
+
+    CommandResult run() {
+        introduce();
+        showRefusals();
+        Rule rule = oldDownloads(sample, session.clock());
+        if (auto made = makeRule(rule); !made) return made;
+        const auto plan = preview(rule);
+        if (!plan) return failed(plan.error().sentence);
+        if (auto approved = approve(rule, *plan); !approved) return approved;
+        check(*plan);
+        return conclude();
+    }
+
+private:
+    void heading(const std::string& text) {
+        session.output.line();
+        session.output.line({{text, Output::Style::bold}});
+    }
+
+    void introduce() {
+        session.output.line({{"A demonstration in a sample home folder", Output::Style::bold}});
+        session.output.line({"It was made for this run in " + sample.home().parent_path().native() +
+                             ", where the clock stands 40 days ahead,"});
+        session.output.line({"and goes again at the end. Nothing outside it is touched."});
+    }
+
+    void showRefusals() {
+        heading("1. Some places no rule may clean");
+        for (const auto& place : {sample.home() / "Documents", sample.home() / ".ssh", sample.home(),
+                                  std::filesystem::path("/usr/share")}) {
+            const auto refusal = session.guards.refusalForRoot(place);
+            session.output.line({"  " + refusal.value_or(session.guards.displayPath(place) + " could be cleaned.")});
+            claims.push_back({session.guards.displayPath(place) + " is refused", refusal.has_value()});
+        }
+    }
+
+    CommandResult makeRule(const Rule& rule) {
+        heading("2. A rule is made, checked and saved");
+        session.output.line(
+            {"  \"Old downloads\": what arrived in ~/Downloads more than 30 days ago goes to the Trash, every"});
+        session.output.line({"  day at 09:05; nothing named *.keep, nor a folder that holds such a name."});
+        const auto problems = rule.validationProblems(session.guards, session.resolver, session.catalog);
+        for (const auto& problem : problems)
+            session.output.line({"  " + problem});
+        claims.push_back({"the rule has no problems", problems.empty()});
+
+        const auto saved = session.rules.change([&](RuleBook& book) -> CommandResult {
+            book.add(rule);
+            return {};
+        });
+        if (!saved) return saved;
+        const auto read = session.rules.load();
+        const bool isRead = read && read->rules.size() == 1 && read->rules.front() == rule;
+        claims.push_back({"the saved rule reads back as it was", isRead});
+        session.output.line({"  Saved in " + (session.places.data / "rules.json").native() + "."});
+        return {};
+    }
+
+    std::expected<CleanupPlan, PlanError> preview(const Rule& rule) {
+        heading("3. The preview: what would go, what stays and why");
+        before = sample.stamps();
+        const CleanupPlanner planner{
+            .guards = session.guards, .resolver = session.resolver, .catalog = session.catalog, .clock = session.clock};
+        auto plan = planner.plan(rule, session.clock(), &Interrupt::requested);
+        if (plan) showPlan(session.output, session.guards, *plan);
+        return plan;
+    }
+
+    CommandResult approve(const Rule& rule, const CleanupPlan& plan) {
+        heading("4. The preview is approved");
+        const auto saved = session.rules.change([&](RuleBook& book) -> CommandResult {
+            if (book.approvePreview(rule, plan, session.catalog, session.clock())) return {};
+            return failed("The preview could not be approved.");
+        });
+        if (!saved) return saved;
+        const auto stored = session.rules.load();
+        const auto key = rule.approvalKey(plan.rootIdentities(), session.catalog);
+        const bool isStored = stored && stored->rules.size() == 1 && stored->rules.front().approval == key;
+        claims.push_back({"the approval is stored with the rule", isStored});
+
+        Rule edited = rule;
+        edited.filter.minAgeDays = 29;
+        const bool isWithdrawn = edited.approvalKey(plan.rootIdentities(), session.catalog) != key;
+        claims.push_back({"changing what the rule takes withdraws the approval", isWithdrawn});
+        session.output.line({"  From now on the rule may run by itself, as long as it says what was approved and its"});
+        session.output.line({"  folder is the one that was previewed."});
+        return {};
+    }
+
+    void check(const CleanupPlan& plan) {
+        claims.push_back({"the total agrees with the blocks on the disk, hard links counted once",
+                          plan.totalBytes() == bytesOnDisk(plan)});
+        claims.push_back({"nothing in the sample home changed", before == sample.stamps()});
+        const bool isKept = std::ranges::none_of(
+            std::to_array<const char*>({"Downloads/taxes/2025.keep", "Downloads/still downloading.part",
+                                        "Downloads/Family.photoslibrary/database/photos.db", "Pictures/summer.jpg",
+                                        "Documents/letter to the bank.txt"}),
+            [&](const char* path) { return isPlanned(plan, sample.home() / path); });
+        claims.push_back(
+            {"no protected, excluded or fresh file is among what would go", isKept && !plan.items.empty()});
+    }
+
+    CommandResult conclude() {
+        heading("The demonstration checked what it said");
+        JSONArray listed;
+        bool isTrue = true;
+        for (const auto& claim : claims) {
+            const auto mark =
+                claim.holds ? Output::Text("yes", Output::Style::good) : Output::Text("NO ", Output::Style::warning);
+            session.output.line({"  ", mark, "  " + claim.text});
+            listed.emplace_back(JSONObject{{"claim", claim.text}, {"holds", claim.holds}});
+            isTrue = isTrue && claim.holds;
+        }
+        if (auto written = session.output.document(JSONObject{{"claims", std::move(listed)}}); !written) return written;
+        if (isTrue) return {};
+        return std::unexpected(Failure{.sentences = {"The demonstration found something that is not as it said."},
+                                       .document = Failure::Document::written});
+    }
+
+    Session& session;
+    const SampleHome& sample;
+    std::vector<Claim> claims;
+    std::map<std::string, SampleHome::Stamp> before;
+};
+
+CommandResult demonstrate(Program& program) {
+    const Clock clock = [] { return Date::now() + ahead; };
+    const auto sample = SampleHome::make(clock());
+    if (!sample) return failed("The sample home could not be made. " + sample.error().description() + ".");
+    GlobalOptions options = program.options;
+    options.home = sample->home();
+    options.data = sample->data();
+    auto places = placesFor(options);
+    if (!places) return std::unexpected(std::move(places.error()));
+    Session session(program.output, clock, std::move(*places));
+    return Demonstration(session, *sample).run();
+}
+
+}  // namespace
+
+void addDemoCommand(CLI::App& app, Command& chosen) {
+    app.add_subcommand("demo", "Walk the whole road in a sample home that is made for it and goes again")
+        ->fallthrough()
+        ->callback([&chosen] { chosen = demonstrate; });
+}
+
+}  // namespace vostrel::cli

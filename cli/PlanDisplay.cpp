@@ -1,0 +1,150 @@
+#include "cli/PlanDisplay.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <vector>
+
+#include "base/SpaceFormat.h"
+#include "rules/PlanFields.h"
+#include "rules/SkipReason.h"
+#include "stores/DateText.h"
+#include "stores/JSONCoder.h"
+
+namespace vostrel::cli {
+
+namespace {
+
+using Alignment = Output::Alignment;
+using Style = Output::Style;
+
+// More lines than this are not read; the JSON document has all of them.
+constexpr std::size_t mostItemsShown = 20;
+constexpr std::size_t mostSkippedShown = 5;
+
+/// "2026-10-12".
+std::string dayOf(Date date) {
+    return dateText(date).substr(0, 10);
+}
+
+std::string agePhrase(AgeBasis basis) {
+    switch (basis) {
+        case AgeBasis::modified:
+            return "modified";
+        case AgeBasis::added:
+            return "added";
+        case AgeBasis::lastOpened:
+            return "last opened";
+    }
+    return {};
+}
+
+std::vector<const PlannedItem*> largestFirst(const CleanupPlan& plan) {
+    std::vector<const PlannedItem*> items;
+    items.reserve(plan.items.size());
+    for (const auto& item : plan.items)
+        items.push_back(&item);
+    const auto isLarger = [](const PlannedItem* left, const PlannedItem* right) {
+        return left->bytes != right->bytes ? left->bytes > right->bytes : left->url < right->url;
+    };
+    const auto shown = std::min(items.size(), mostItemsShown);
+    std::ranges::partial_sort(items, items.begin() + static_cast<std::ptrdiff_t>(shown), isLarger);
+    return items;
+}
+
+void showItems(Output& output, const PathGuards& guards, const CleanupPlan& plan) {
+    std::vector<Output::Row> rows;
+    const auto items = largestFirst(plan);
+    for (std::size_t at = 0; at < std::min(items.size(), mostItemsShown); ++at) {
+        const PlannedItem& item = *items[at];
+        const std::string content = item.isDirectory ? counted(item.fileCount, "file", "files") : "";
+        rows.push_back({SpaceFormat::bytes(item.bytes),
+                        guards.displayPath(item.url),
+                        {content, Style::dim},
+                        {agePhrase(plan.terms.filter.ageBasis) + " " + dayOf(item.ageDate), Style::dim}});
+    }
+    output.table(rows, {Alignment::right, Alignment::left, Alignment::right, Alignment::left});
+    if (items.size() > mostItemsShown) {
+        const auto more = static_cast<std::int64_t>(items.size() - mostItemsShown);
+        output.line({{fmt::format("  … and {}; --json lists them all.", counted(more, "smaller item", "smaller items")),
+                      Style::dim}});
+    }
+}
+
+/// The guards' own sentence where there is one.
+std::string whyItStays(const SkippedItem& item) {
+    return item.refusal ? *item.refusal : countedPhrase(item.reason, 1);
+}
+
+void showSkipped(Output& output, const PathGuards& guards, const CleanupPlan& plan) {
+    if (plan.skipped.empty()) return;
+    output.line();
+    output.line({{"Left alone:", Style::bold}});
+    std::map<SkipReason, std::vector<const SkippedItem*>> byReason;
+    for (const auto& item : plan.skipped)
+        byReason[item.reason].push_back(&item);
+    for (const auto& [reason, items] : byReason) {
+        output.line({"  " + countedPhrase(reason, items.size())});
+        const auto shown = std::min(items.size(), mostSkippedShown);
+        for (std::size_t at = 0; at < shown; ++at) {
+            const std::string path = guards.displayPath(items[at]->url);
+            output.line({"    " + path, {items[at]->refusal ? "  " + whyItStays(*items[at]) : "", Style::dim}});
+        }
+        if (items.size() > shown) output.line({{fmt::format("    … and {} more", items.size() - shown), Style::dim}});
+    }
+}
+
+}  // namespace
+
+void showPlan(Output& output, const PathGuards& guards, const CleanupPlan& plan) {
+    const bool deletes = plan.terms.action == CleanupAction::deletePermanently;
+    if (plan.items.empty()) {
+        output.line({{"Nothing would go now.", Style::bold}});
+    } else {
+        const auto count = static_cast<std::int64_t>(plan.items.size());
+        output.line({{deletes ? "Would be deleted for good:" : "Would go to the Trash:", Style::bold}});
+        showItems(output, guards, plan);
+        output.line(
+            {{fmt::format("  {} in all: {}", SpaceFormat::bytes(plan.totalBytes()), counted(count, "item", "items")),
+              Style::good}});
+    }
+    showSkipped(output, guards, plan);
+    if (plan.limitedDates) {
+        output.line();
+        output.line({"This disk does not record when files arrive, so a file copied here a minute ago can look old."});
+    }
+}
+
+JSONValue documentOf(const CleanupPlan& plan, bool isApproved) {
+    JSONArray roots;
+    for (const auto& root : plan.roots) {
+        roots.emplace_back(JSONObject{{"path", encodeJSON(root.url)},
+                                      {"volumeUUID", encodeJSON(root.identity.volumeUUID)},
+                                      {"inode", encodeJSON(root.identity.inode)}});
+    }
+    JSONArray items;
+    for (const auto& item : plan.items) {
+        items.emplace_back(JSONObject{{"path", encodeJSON(item.url)},
+                                      {"bytes", encodeJSON(item.bytes)},
+                                      {"fileCount", encodeJSON(item.fileCount)},
+                                      {"isDirectory", item.isDirectory},
+                                      {"ageDate", encodeJSON(item.ageDate)}});
+    }
+    JSONArray skipped;
+    for (const auto& item : plan.skipped) {
+        std::vector<JSONMember> entry{{"path", encodeJSON(item.url)}, {"reason", encodeJSON(item.reason)}};
+        if (item.refusal) entry.push_back({"sentence", encodeJSON(*item.refusal)});
+        skipped.emplace_back(JSONObject(std::move(entry)));
+    }
+    return JSONObject{{"ruleID", encodeJSON(plan.ruleID)},
+                      {"createdAt", encodeJSON(plan.createdAt)},
+                      {"roots", std::move(roots)},
+                      {"items", std::move(items)},
+                      {"skipped", std::move(skipped)},
+                      {"limitedDates", plan.limitedDates},
+                      {"totalBytes", encodeJSON(plan.totalBytes())},
+                      {"approved", isApproved}};
+}
+
+}  // namespace vostrel::cli

@@ -1,0 +1,104 @@
+#include <fmt/format.h>
+
+#include <memory>
+#include <utility>
+
+#include "base/ProgressBox.h"
+#include "base/SpaceFormat.h"
+#include "cleaning/CleanupPlanner.h"
+#include "cli/Commands.h"
+#include "cli/Interrupt.h"
+#include "cli/PlanDisplay.h"
+#include "cli/ProgressLine.h"
+#include "cli/RuleSearch.h"
+#include "cli/Session.h"
+
+namespace vostrel::cli {
+
+namespace {
+
+using Style = Output::Style;
+
+enum class Approving { no, yes };
+
+struct PreviewOptions {
+    std::string rule;
+    bool approves = false;
+};
+
+/// "~/Downloads/dataset   1,204 files, 3.2 GB, 120,400 files a second".
+std::string described(const PlanProgress& progress, const PathGuards& guards, Duration elapsed) {
+    if (progress.folder.empty()) return "Looking at the rule's folders";
+    const double seconds = std::chrono::duration<double>(elapsed).count();
+    const auto rate = static_cast<std::int64_t>(static_cast<double>(progress.files) / std::max(seconds, 0.001));
+    return fmt::format("{}, {}, {} a second  {}", counted(progress.files, "file", "files"),
+                       SpaceFormat::bytes(progress.bytes), grouped(rate), guards.displayPath(progress.folder));
+}
+
+std::expected<CleanupPlan, PlanError> planned(Session& session, const GlobalOptions& options, const Rule& rule) {
+    const auto progress = std::make_shared<ProgressBox<PlanProgress>>();
+    const CleanupPlanner planner{.guards = session.guards,
+                                 .resolver = session.resolver,
+                                 .catalog = session.catalog,
+                                 .clock = session.clock,
+                                 .progress = progress};
+    const auto begun = std::chrono::steady_clock::now();
+    const ProgressLine line(options, [&, begun] {
+        return described(progress->get(), session.guards, std::chrono::steady_clock::now() - begun);
+    });
+    return planner.plan(rule, session.clock(), &Interrupt::requested);
+}
+
+CommandResult approve(Session& session, const Rule& rule, const CleanupPlan& plan) {
+    const auto saved = session.rules.change([&](RuleBook& book) -> CommandResult {
+        if (book.approvePreview(rule, plan, session.catalog, session.clock())) return {};
+        return failed(
+            "The rule was changed or removed while it was previewed, or the preview is too old. Preview it again.");
+    });
+    return saved;
+}
+
+CommandResult preview(Session& session, const GlobalOptions& options, const PreviewOptions& wanted) {
+    const auto book = session.rules.load();
+    if (!book) return std::unexpected(book.error());
+    const auto found = findRule(*book, wanted.rule);
+    if (!found) return std::unexpected(found.error());
+    const Rule& rule = **found;
+
+    const auto plan = planned(session, options, rule);
+    if (!plan) return failed(plan.error().sentence);
+    session.output.line({{rule.name, Style::bold}});
+    showPlan(session.output, session.guards, *plan);
+
+    const bool wasApproved = rule.approval == rule.approvalKey(plan->rootIdentities(), session.catalog);
+    if (wanted.approves) {
+        if (auto approved = approve(session, rule, *plan); !approved) return approved;
+    }
+    session.output.line();
+    if (wanted.approves || wasApproved) {
+        session.output.line(
+            {{"Approved: the rule may do this by itself while it and its folders stay as they are.", Style::good}});
+    } else {
+        session.output.line({"Not approved: the rule does nothing by itself. To approve what it would do:"});
+        session.output.line({"  vostrel preview " + rule.id.text().substr(0, 8) + " --approve"});
+    }
+    return session.output.document(documentOf(*plan, wanted.approves || wasApproved));
+}
+
+}  // namespace
+
+void addPreviewCommand(CLI::App& app, Command& chosen) {
+    auto* command = app.add_subcommand("preview", "What a rule would remove now, what it would leave alone and why");
+    const auto wanted = std::make_shared<PreviewOptions>();
+    command->add_option("rule", wanted->rule, "The rule: its id, a beginning of it, or its name")
+        ->type_name("RULE")
+        ->required();
+    command->add_flag("--approve", wanted->approves, "Let the rule do this by itself from now on");
+    command->fallthrough()->callback([&chosen, wanted] {
+        chosen = [wanted](Program& program) {
+            return inSession([&](Session& session) { return preview(session, program.options, *wanted); })(program);
+        };
+    });
+}
+
+}  // namespace vostrel::cli

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <utility>
 
 namespace vostrel {
@@ -12,10 +13,14 @@ constexpr const char* rulesKey = "rules";
 constexpr const char* scheduleKey = "schedule";
 
 void readRules(const JSONArray& values, RuleBook& book) {
+    std::set<Uuid> known;  // asking the book about each id would cost the square of their number
     for (const JSONValue& value : values) {
         auto rule = decodeJSON<Rule>(value);
-        const bool isTaken = rule && book.add(std::move(*rule));
-        if (!isTaken) book.unreadableRules.push_back(value);
+        if (rule && known.insert(rule->id).second) {
+            book.rules.push_back(std::move(*rule));
+        } else {
+            book.unreadableRules.push_back(value);
+        }
     }
 }
 

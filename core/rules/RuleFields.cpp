@@ -29,11 +29,6 @@ std::optional<std::string> JSONFields<RuleFilter>::settle(RuleFilter& filter) {
     return problems.empty() ? std::nullopt : std::optional(problems.front());
 }
 
-std::optional<JSONValue> JSONFields<RuleFilter>::encodePins(const void* filter) {
-    const auto& pins = static_cast<const RuleFilter*>(filter)->pinnedFiles;
-    return pins.empty() ? std::nullopt : std::optional(encodeJSON(pins));
-}
-
 std::expected<void, JSONError> JSONFields<RuleFilter>::decodePins(const JSONValue& value, void* filter) {
     auto pins = decodeJSON<std::vector<PinnedFile>>(value);
     if (!pins) return std::unexpected(std::move(pins.error()));

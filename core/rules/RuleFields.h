@@ -26,6 +26,21 @@ namespace vostrel {
 /// remove more than it was made for. So the records here refuse keys that they do not list, which makes the rule
 /// unreadable; an unreadable rule never runs and stays in its file as it is.
 
+/// Left out where there is nothing in it.
+template <auto member>
+std::optional<JSONValue> encodeUnlessEmpty(const void* record) {
+    using Record = typename json::MemberOf<decltype(member)>::RecordType;
+    const auto& value = static_cast<const Record*>(record)->*member;
+    return value.empty() ? std::nullopt : std::optional(encodeJSON(value));
+}
+
+/// A field that only some of the records have, and that is never there but empty.
+template <auto member>
+constexpr JSONField fieldUnlessEmpty(std::string_view key) {
+    return {key, JSONReading::defaulted, &encodeUnlessEmpty<member>,
+            &json::decodeMember<member, JSONReading::defaulted>};
+}
+
 template <>
 struct JSONNames<CleanupAction> {
     static constexpr std::array list{
@@ -116,8 +131,7 @@ struct JSONFields<PinnedFile> {
 
 template <>
 struct JSONFields<RuleFilter> {
-    /// Left out where there are none; there but empty, the list may have lost its files, and the rule is unreadable.
-    static std::optional<JSONValue> encodePins(const void* filter);
+    /// There but empty, the list may have lost its files, and the rule is unreadable.
     static std::expected<void, JSONError> decodePins(const JSONValue& value, void* filter);
 
     static constexpr std::array list{
@@ -127,7 +141,7 @@ struct JSONFields<RuleFilter> {
         jsonField<&RuleFilter::includeGlobs, JSONReading::defaulted>("includeGlobs"),
         jsonField<&RuleFilter::excludeGlobs, JSONReading::defaulted>("excludeGlobs"),
         jsonField<&RuleFilter::scope, JSONReading::defaulted>("scope"),
-        JSONField{"pinnedFiles", JSONReading::defaulted, &encodePins, &decodePins},
+        JSONField{"pinnedFiles", JSONReading::defaulted, &encodeUnlessEmpty<&RuleFilter::pinnedFiles>, &decodePins},
     };
     static constexpr bool refusesOtherKeys = true;
     static std::optional<std::string> settle(RuleFilter& filter);
@@ -178,8 +192,8 @@ struct JSONFields<ApprovalKey> {
         jsonField<&ApprovalKey::action>("action"),
         jsonField<&ApprovalKey::unattendedTriggers>("unattendedTriggers"),
         jsonField<&ApprovalKey::pauseWhileRunning>("pauseWhileRunning"),
-        jsonField<&ApprovalKey::roots, JSONReading::defaulted>("roots"),
-        jsonField<&ApprovalKey::definition, JSONReading::defaulted>("definition"),
+        fieldUnlessEmpty<&ApprovalKey::roots>("roots"),
+        fieldUnlessEmpty<&ApprovalKey::definition>("definition"),
         jsonField<&ApprovalKey::rootFileID>("rootFileID"),
     };
     static constexpr bool refusesOtherKeys = true;

@@ -173,6 +173,9 @@ TEST(RuleBookFieldsTest, anApprovalIsReadWhollyOrNotAtAll) {
     EXPECT_NE(kept->approval, approved.approval);
     EXPECT_EQ(decoded<Rule>(encoded(*kept)), *kept);
     EXPECT_THAT(encoded(*kept), testing::HasSubstr(R"("rootFileID":18446744073709551615)"));
+    EXPECT_THAT(encoded(*kept->approval),
+                testing::Not(testing::AnyOf(testing::HasSubstr("roots"), testing::HasSubstr("definition"))))
+        << "an earlier version reads it again";
 }
 
 TEST(RuleBookFieldsTest, writesUnreadableRulesBackAfterTheOthers) {

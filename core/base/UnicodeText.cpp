@@ -33,6 +33,14 @@ std::unique_ptr<char, decltype(&std::free)> mapped(std::string_view text, int op
     return {size < 0 ? nullptr : reinterpret_cast<char*>(raw), &std::free};
 }
 
+/// The spaces and line breaks of every script; a byte that is not UTF-8 (-1) is none.
+bool isBlank(utf8proc_int32_t point) {
+    constexpr utf8proc_int32_t nextLine = 0x85;
+    if ((point >= '\t' && point <= '\r') || point == nextLine) return true;
+    const auto category = utf8proc_category(point);
+    return category == UTF8PROC_CATEGORY_ZS || category == UTF8PROC_CATEGORY_ZL || category == UTF8PROC_CATEGORY_ZP;
+}
+
 }  // namespace
 
 bool isASCII(std::string_view text) {
@@ -113,10 +121,20 @@ std::vector<std::string_view> graphemes(std::string_view text) {
 }
 
 std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blank = " \t\n\v\f\r";
-    const auto first = text.find_first_not_of(blank);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(blank) - first + 1);
+    std::size_t first = text.size();
+    std::size_t end = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        utf8proc_int32_t point = -1;
+        const auto rest = text.substr(at);
+        const auto length = utf8proc_iterate(bytesOf(rest), static_cast<utf8proc_ssize_t>(rest.size()), &point);
+        const std::size_t next = at + static_cast<std::size_t>(std::max<utf8proc_ssize_t>(length, 1));
+        if (!isBlank(point)) {
+            first = std::min(first, at);
+            end = next;
+        }
+        at = next;
+    }
+    return text.substr(first, end > first ? end - first : 0);
 }
 
 }  // namespace vostrel

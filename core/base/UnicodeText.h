@@ -26,7 +26,7 @@ void appendFolded(std::string& out, std::string_view text);
 /// The characters as a reader sees them (extended grapheme clusters). Each byte that is not UTF-8 is one of its own.
 [[nodiscard]] std::vector<std::string_view> graphemes(std::string_view text);
 
-/// Without the spaces, tabs and line breaks at both ends.
+/// Without the spaces, tabs and line breaks, of any script, at both ends.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
 }  // namespace vostrel

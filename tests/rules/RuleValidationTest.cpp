@@ -93,7 +93,7 @@ TEST_F(RuleValidationTest, findsNothingWrongWithWhatCanRun) {
 TEST_F(RuleValidationTest, saysWhatIsWrongWithATarget) {
     const std::filesystem::path code = disk / "code";
     check({
-        {rule(), [](Rule& edited) { edited.name = " \n"; }, {"Give the rule a name."}},
+        {rule(), [](Rule& edited) { edited.name = " \n\u3000\u00A0"; }, {"Give the rule a name."}},
         {rule(), [](Rule& edited) { edited.target = FolderTarget{}; }, {"Choose a folder."}},
         {rule(), [](Rule& edited) { edited.target = FolderTarget{"Cache"}; }, {"Choose a folder."}},
         {rule(), [](Rule& edited) { edited.target = FolderTarget{"/home/.."}; }, {"Choose a folder."}},

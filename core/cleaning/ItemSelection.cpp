@@ -31,7 +31,8 @@ std::optional<SkipReason> reasonToSkip(const MeasuredItem& item) {
 void ItemSelection::take(MeasuredItem&& item) {
     auto url = urlOf(item);
     if (const auto reason = reasonToSkip(item)) {
-        plan.skipped.push_back({std::move(url), *reason, std::move(item.facts.protectedRefusal)});
+        auto refusal = reason == SkipReason::protectedPlace ? std::move(item.facts.protectedRefusal) : std::nullopt;
+        plan.skipped.push_back({std::move(url), *reason, std::move(refusal)});
         return;
     }
     const Date ageDate = ageDateOf(item, url, rule.filter.ageBasis);
@@ -66,7 +67,9 @@ std::filesystem::path ItemSelection::urlOf(const MeasuredItem& item) const {
 
 bool ItemSelection::isOldEnough(Date ageDate) const {
     if (!rule.filter.minAgeDays) return true;
-    return ageDate <= now - std::chrono::days(*rule.filter.minAgeDays);
+    // More days than a date can be old: multiplied out they would wrap round to few.
+    constexpr int longest = std::chrono::floor<std::chrono::days>(Duration::max()).count();
+    return *rule.filter.minAgeDays <= longest && ageDate <= now - std::chrono::days(*rule.filter.minAgeDays);
 }
 
 }  // namespace vostrel

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "base/Checked.h"
 #include "platform/linux/StatusReading.h"
 
 namespace vostrel {
@@ -44,6 +45,12 @@ EntryType entryType(unsigned mode) {
     }
 }
 
+std::int64_t allocatedBytes(std::uint64_t blocks) {
+    constexpr std::int64_t blockSize = 512;
+    if (blocks > std::uint64_t{INT64_MAX}) endOnOverflow("the size of a file");
+    return checkedMultiply(static_cast<std::int64_t>(blocks), blockSize, "the size of a file");
+}
+
 std::expected<FileStatus, int> readStatus(int folder, const char* path, int flags) {
     struct statx found{};
     constexpr unsigned wanted = STATX_BASIC_STATS | STATX_MNT_ID;
@@ -57,7 +64,7 @@ std::expected<FileStatus, int> readStatus(int folder, const char* path, int flag
     status.mount = (found.stx_mask & STATX_MNT_ID) != 0 ? found.stx_mnt_id : 0;
     status.isMountRoot = (found.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
     status.linkCount = found.stx_nlink;
-    status.allocated = static_cast<std::int64_t>(found.stx_blocks) * 512;
+    status.allocated = allocatedBytes(found.stx_blocks);
     status.length = static_cast<std::int64_t>(found.stx_size);
     status.owner = found.stx_uid;
     status.mode = static_cast<std::uint16_t>(found.stx_mode & 07777U);

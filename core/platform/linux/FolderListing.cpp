@@ -38,7 +38,7 @@ int readSizes(int openFolder, const char* name, FolderEntry& entry) {
     entry.type = linux_platform::entryType(found.st_mode);
     entry.fileID = found.st_ino;
     entry.linkCount = static_cast<std::uint32_t>(found.st_nlink);
-    entry.allocated = static_cast<std::int64_t>(found.st_blocks) * 512;
+    entry.allocated = linux_platform::allocatedBytes(static_cast<std::uint64_t>(found.st_blocks));
     return 0;
 }
 

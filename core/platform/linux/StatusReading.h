@@ -12,6 +12,9 @@ namespace vostrel::linux_platform {
 
 [[nodiscard]] EntryType entryType(unsigned mode);
 
+/// The bytes of so many blocks of 512; ends the process when they do not fit.
+[[nodiscard]] std::int64_t allocatedBytes(std::uint64_t blocks);
+
 /// `statx` of `path` below `folder` (or of `folder` itself with `AT_EMPTY_PATH`), no link followed.
 [[nodiscard]] std::expected<FileStatus, int> readStatus(int folder, const char* path, int flags);
 

@@ -64,6 +64,7 @@ std::optional<PlanError> PartCollector::collect(const OpenedRoot& root) {
     ItemSelection selection(rule, root, plan.roots.size(), now, plan);
     ItemAccounting accounting(questions, *planner.source, links,
                               [&](MeasuredItem&& item) { selection.take(std::move(item)); });
+    accounting.dropWhen(budget.isCancelled);
     if (planner.progress) {
         accounting.watch([this](const WalkedFolder& folder, const TreeFacts& sum) { showProgress(folder, sum); });
     }
@@ -110,7 +111,7 @@ std::expected<CleanupPlan, PlanError> CleanupPlanner::plan(const Rule& rule, Dat
     if (!names) return std::unexpected(PlanError{PlanError::Kind::filterNotAllowed, names.error()});
     auto exclusions = Glob::Patterns::compile(rule.filter.excludeGlobs);
     if (!exclusions) return std::unexpected(PlanError{PlanError::Kind::filterNotAllowed, exclusions.error()});
-    const auto roots = RootOpening(guards, resolver, volume).open(rule, catalog);
+    const auto roots = RootOpening(guards, resolver, volume).open(rule, catalog, budget.isCancelled);
     if (!roots) return std::unexpected(roots.error());
 
     budget.deadline = clock() + timeLimit;

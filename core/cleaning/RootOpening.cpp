@@ -55,12 +55,15 @@ bool OpenedRoot::isStillThere() const {
     return now && isSameFolder(*now, status);
 }
 
-std::expected<std::vector<OpenedRoot>, PlanError> RootOpening::open(const Rule& rule,
-                                                                    const PresetCatalog& catalog) const {
+std::expected<std::vector<OpenedRoot>, PlanError> RootOpening::open(const Rule& rule, const PresetCatalog& catalog,
+                                                                    const std::function<bool()>& isCancelled) const {
+    const auto mustStop = [&] { return isCancelled && isCancelled(); };
+    if (mustStop()) return std::unexpected(PlanError::of(Kind::cancelled));
     const auto resolved = resolve(rule, catalog);
     if (!resolved) return std::unexpected(resolved.error());
     std::vector<OpenedRoot> roots;
     for (const auto& root : *resolved) {
+        if (mustStop()) return std::unexpected(PlanError::of(Kind::cancelled));
         auto opened = open(root, rule);
         if (!opened) return std::unexpected(std::move(opened.error()));
         for (const auto& other : roots) {

@@ -45,9 +45,9 @@ public:
     RootOpening(const PathGuards& pathGuards, const TargetResolver& targetResolver, const VolumeQuestions& questions)
         : guards(pathGuards), resolver(targetResolver), volume(questions) {}
 
-    /// All roots of the rule, in the target's order, none inside another.
-    [[nodiscard]] std::expected<std::vector<OpenedRoot>, PlanError> open(const Rule& rule,
-                                                                         const PresetCatalog& catalog) const;
+    /// All roots of the rule, in the target's order, none inside another. `isCancelled` is asked before each.
+    [[nodiscard]] std::expected<std::vector<OpenedRoot>, PlanError> open(
+        const Rule& rule, const PresetCatalog& catalog, const std::function<bool()>& isCancelled = {}) const;
 
 private:
     [[nodiscard]] std::expected<std::vector<ResolvedRoot>, PlanError> resolve(const Rule& rule,

@@ -68,6 +68,12 @@ void ItemNotes::add(const FolderEntry& entry) {
 }
 
 void ItemNotes::clear() {
+    constexpr std::size_t worthKeeping = 1U << 20U;
+    if (footprint() > worthKeeping) {
+        linkedFiles = {};
+        entries = {};
+        names = {};
+    }
     folder.clear();
     holdsItems = false;
     sum = {};
@@ -149,7 +155,7 @@ void ItemAccounting::onOtherVolume(const WalkedFolder& folder) {
 }
 
 void ItemAccounting::notReached(const WalkedFolder& folder) {
-    if (!holdsItems(folder.depth - 1)) return;  // the item that it is a part of says so
+    if (isCancelled() || !holdsItems(folder.depth - 1)) return;  // the item that it is a part of says so
     const WalkDecision decision = decide(folder);
     if (decision.enters()) {
         trouble(folder, Trouble::notMeasuredInTime);
@@ -219,6 +225,7 @@ void ItemAccounting::countLinkedFiles(const ItemNotes& notes) {
 void ItemAccounting::reportEntries(const ItemNotes& notes) {
     const bool wantsFolders = questions.itemsAre == ItemsAre::topLevelEntries;
     for (const auto& kept : notes.entries) {
+        if (isCancelled()) return;
         const std::string_view name = notes.nameOf(kept);
         const EntryType type = kept.entry.type;
         const bool isFolder = type == EntryType::folder;
@@ -263,6 +270,7 @@ void ItemAccounting::measure(const FolderEntry& entry, MeasuredItem& item) {
     item.facts.containsDataless = entry.isDataless;
     const bool isCountedAlready = entry.linkCount >= 2 && !links.insert(item.identity);
     item.facts.addFile(isCountedAlready ? 0 : entry.allocated);
+    levels.back().facts.addFile(item.facts.bytes);
     item.added = std::max(entry.added, levels.back().added);
     item.accessed = entry.accessed;
 }

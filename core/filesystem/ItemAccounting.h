@@ -77,6 +77,9 @@ public:
     /// Has `seen` called with each folder that was listed and the sum of the files directly in it.
     void watch(std::function<void(const WalkedFolder&, const TreeFacts&)> seen) { watcher = std::move(seen); }
 
+    /// A folder may hold a million items: once `test` says yes the rest of them are dropped unreported.
+    void dropWhen(std::function<bool()> test) { cancelled = std::move(test); }
+
     [[nodiscard]] std::unique_ptr<FolderNotes> makeNotes() const override;
     void prepare(const WalkedFolder& folder, const FolderNotes* parent, FolderNotes& notes) override;
     WalkDecision decide(const WalkedFolder& folder) override;
@@ -103,6 +106,7 @@ private:
         std::optional<Date> added;
     };
 
+    [[nodiscard]] bool isCancelled() const { return cancelled && cancelled(); }
     [[nodiscard]] bool holdsItems(std::size_t depth) const;
     [[nodiscard]] bool isItem(std::size_t depth) const;
     [[nodiscard]] static std::string relativePathOf(const WalkedFolder& folder);
@@ -122,6 +126,7 @@ private:
     LinkSet& links;
     std::function<void(MeasuredItem&&)> found;
     std::function<void(const WalkedFolder&, const TreeFacts&)> watcher;
+    std::function<bool()> cancelled;
     FileIdentity root;
     std::vector<Level> levels;
     int failure = 0;

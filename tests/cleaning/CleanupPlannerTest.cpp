@@ -123,6 +123,7 @@ TEST_F(CleanupPlannerTest, goesByScopeNamesAgeAndSize) {
              filter.minAgeDays = 10;
          },
          {"code/old.log", "code/sub/old.LOG"}},
+        {"an age that no date has", [](RuleFilter& filter) { filter.minAgeDays = 150'000; }, {}},
         {"a size equal to the limit counts",
          [](RuleFilter& filter) {
              filter.scope = RuleScope::allFiles;
@@ -257,6 +258,45 @@ TEST_F(CleanupPlannerTest, stopsWheneverItIsCancelledAndNeverGivesPartOfAPlan) {
         EXPECT_EQ(plan.error().kind, PlanError::Kind::cancelled);
         EXPECT_EQ(plan.error().sentence, "Stopped before it finished.");
     }
+}
+
+TEST_F(CleanupPlannerTest, asksWhetherItIsCancelledBeforeItOpensAFolderAndForEachItem) {
+    const auto early = home.planner().plan(home.ruleOn("gone"), home.now, [] { return true; });
+    ASSERT_FALSE(early);
+    EXPECT_EQ(early.error().kind, PlanError::Kind::cancelled);
+
+    constexpr int files = 100;
+    for (int file = 0; file < files; ++file)
+        home.home.makeFile("cache/" + std::to_string(file));
+    int polls = 0;
+    ASSERT_TRUE(home.planner().plan(home.ruleOn("cache"), home.now, [&] { return ++polls < 0; }));
+    EXPECT_GE(polls, files);
+}
+
+TEST_F(CleanupPlannerTest, countsEveryFileInItsProgress) {
+    home.home.makeFile("cache/a", "x");
+    home.home.makeFile("cache/folder/b", "x");
+    for (const auto scope : {RuleScope::topLevelItems, RuleScope::allFiles}) {
+        Rule rule = home.ruleOn("cache");
+        rule.filter.scope = scope;
+        CleanupPlanner planner = home.planner();
+        planner.progress = std::make_shared<ProgressBox<PlanProgress>>();
+        ASSERT_TRUE(planner.plan(rule, home.now));
+        EXPECT_EQ(planner.progress->get().files, 2);
+        EXPECT_EQ(planner.progress->get().bytes, independentSum(home / "cache"));
+    }
+}
+
+TEST_F(CleanupPlannerTest, givesTheGuardsSentenceOnlyForWhatIsSkippedAsProtected) {
+    home.home.makeFile("cache/both/keep.me");
+    home.home.makeFile("cache/both/x.photoslibrary/database");
+    Rule rule = home.ruleOn("cache");
+    rule.filter.excludeGlobs = {"keep.me"};
+    const auto plan = home.plan(rule);
+    ASSERT_TRUE(plan) << plan.error().sentence;
+    ASSERT_THAT(plan->skipped, SizeIs(1));
+    EXPECT_EQ(plan->skipped[0].reason, SkipReason::containsExcluded);
+    EXPECT_EQ(plan->skipped[0].refusal, std::nullopt);
 }
 
 TEST_F(CleanupPlannerTest, namesWhatItCouldNotMeasureInTime) {

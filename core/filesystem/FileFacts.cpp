@@ -28,8 +28,9 @@ MeasuredItem measuredFile(const FileStatus& status) {
 
 /// Walks the folder as one item. What cannot be opened at all counts as unreadable.
 MeasuredItem measuredFolder(const std::filesystem::path& path, const FileStatus& status,
-                            const Glob::Patterns& exclusions, const PathGuards& guards, const WalkBudget& budget) {
-    const PathGuards::WalkRoot root = guards.walkRoot(path);
+                            const Glob::Patterns& exclusions, const PathGuards& guards, const WalkBudget& budget,
+                            const std::optional<GuardException>& exception) {
+    const PathGuards::WalkRoot root = guards.walkRoot(path, exception);
     const ItemQuestions questions{ItemsAre::theFolderItself, guards, root, exclusions,
                                   [](std::string_view, std::uint64_t, EntryType) { return true; }};
     SystemFolderSource source;
@@ -50,12 +51,12 @@ MeasuredItem measuredFolder(const std::filesystem::path& path, const FileStatus&
 
 std::expected<FileFacts, FileFacts::MeasureError> FileFacts::measure(const std::filesystem::path& path, AgeBasis basis,
                                                                      const Glob::Patterns& exclusions,
-                                                                     const PathGuards& guards,
-                                                                     const WalkBudget& budget) {
+                                                                     const PathGuards& guards, const WalkBudget& budget,
+                                                                     const std::optional<GuardException>& exception) {
     const auto status = statusOfPath(path);
     if (!status) return std::unexpected(MeasureError{MeasureError::Kind::missingMetadata, status.error()});
     const MeasuredItem item = status->type == EntryType::folder
-                                  ? measuredFolder(path, *status, exclusions, guards, budget)
+                                  ? measuredFolder(path, *status, exclusions, guards, budget, exception)
                                   : measuredFile(*status);
     FileFacts facts;
     facts.url = path;

@@ -62,12 +62,10 @@ struct FileFacts {
     static constexpr std::chrono::seconds defaultTimeLimit{30};
 
     /// Measures the item at an absolute path whose parent is reached through no link. A name that `exclusions` match is
-    /// never taken. Ends early, `timedOut`, when the budget is spent.
-    [[nodiscard]] static std::expected<FileFacts, MeasureError> measure(const std::filesystem::path& item,
-                                                                        AgeBasis basis,
-                                                                        const Glob::Patterns& exclusions,
-                                                                        const PathGuards& guards,
-                                                                        const WalkBudget& budget);
+    /// never taken. Ends early, `timedOut`, when the budget is spent. `exception` is that of the root it lies in.
+    [[nodiscard]] static std::expected<FileFacts, MeasureError> measure(
+        const std::filesystem::path& item, AgeBasis basis, const Glob::Patterns& exclusions, const PathGuards& guards,
+        const WalkBudget& budget, const std::optional<GuardException>& exception = {});
 
     friend bool operator==(const FileFacts&, const FileFacts&) = default;
 };

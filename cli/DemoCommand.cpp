@@ -134,7 +134,11 @@ private:
         const CleanupPlanner planner{
             .guards = session.guards, .resolver = session.resolver, .catalog = session.catalog, .clock = session.clock};
         auto plan = planner.plan(rule, session.clock(), &Interrupt::requested);
-        if (plan) showPlan(session.output, session.guards, *plan);
+        if (!plan) return plan;
+        showPlan(session.output, session.guards, *plan);
+        session.output.line();
+        session.output.line(
+            {"  \"lecture.mov\" and its copy are two names of one file on the disk, which counts once."});
         return plan;
     }
 

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "base/SpaceFormat.h"
+#include "cli/RuleText.h"
 #include "rules/PlanFields.h"
 #include "rules/SkipReason.h"
-#include "stores/DateText.h"
 #include "stores/JSONCoder.h"
 
 namespace vostrel::cli {
@@ -22,11 +22,6 @@ using Style = Output::Style;
 // More lines than this are not read; the JSON document has all of them.
 constexpr std::size_t mostItemsShown = 20;
 constexpr std::size_t mostSkippedShown = 5;
-
-/// "2026-10-12".
-std::string dayOf(Date date) {
-    return dateText(date).substr(0, 10);
-}
 
 std::string agePhrase(AgeBasis basis) {
     switch (basis) {
@@ -62,19 +57,13 @@ void showItems(Output& output, const PathGuards& guards, const CleanupPlan& plan
         rows.push_back({SpaceFormat::bytes(item.bytes),
                         guards.displayPath(item.url),
                         {content, Style::dim},
-                        {agePhrase(plan.terms.filter.ageBasis) + " " + dayOf(item.ageDate), Style::dim}});
+                        {agePhrase(plan.terms.filter.ageBasis) + " " + localDay(item.ageDate), Style::dim}});
     }
     output.table(rows, {Alignment::right, Alignment::left, Alignment::right, Alignment::left});
     if (items.size() > mostItemsShown) {
         const auto more = static_cast<std::int64_t>(items.size() - mostItemsShown);
-        output.line({{fmt::format("  … and {}; --json lists them all.", counted(more, "smaller item", "smaller items")),
-                      Style::dim}});
+        output.line({{fmt::format("  … and {} more; --json lists them all.", grouped(more)), Style::dim}});
     }
-}
-
-/// The guards' own sentence where there is one.
-std::string whyItStays(const SkippedItem& item) {
-    return item.refusal ? *item.refusal : countedPhrase(item.reason, 1);
 }
 
 void showSkipped(Output& output, const PathGuards& guards, const CleanupPlan& plan) {
@@ -89,9 +78,11 @@ void showSkipped(Output& output, const PathGuards& guards, const CleanupPlan& pl
         const auto shown = std::min(items.size(), mostSkippedShown);
         for (std::size_t at = 0; at < shown; ++at) {
             const std::string path = guards.displayPath(items[at]->url);
-            output.line({"    " + path, {items[at]->refusal ? "  " + whyItStays(*items[at]) : "", Style::dim}});
+            output.line({"    " + path, {items[at]->refusal ? "  " + *items[at]->refusal : "", Style::dim}});
         }
-        if (items.size() > shown) output.line({{fmt::format("    … and {} more", items.size() - shown), Style::dim}});
+        if (items.size() > shown)
+            output.line({{fmt::format("    … and {} more", grouped(static_cast<std::int64_t>(items.size() - shown))),
+                          Style::dim}});
     }
 }
 

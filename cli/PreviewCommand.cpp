@@ -58,6 +58,13 @@ CommandResult approve(Session& session, const Rule& rule, const CleanupPlan& pla
     return saved;
 }
 
+/// What an approval of this rule means for it.
+const char* approvalMeaning(const Rule& rule) {
+    if (!rule.hasUnattendedTrigger()) return "Approved. The rule has no trigger, so it does nothing by itself.";
+    if (!rule.enabled) return "Approved. The rule is disabled, so it does nothing by itself.";
+    return "Approved: the rule may do this by itself while it and its folders stay as they are.";
+}
+
 CommandResult preview(Session& session, const GlobalOptions& options, const PreviewOptions& wanted) {
     const auto book = session.rules.load();
     if (!book) return std::unexpected(book.error());
@@ -76,8 +83,7 @@ CommandResult preview(Session& session, const GlobalOptions& options, const Prev
     }
     session.output.line();
     if (wanted.approves || wasApproved) {
-        session.output.line(
-            {{"Approved: the rule may do this by itself while it and its folders stay as they are.", Style::good}});
+        session.output.line({{approvalMeaning(rule), Style::good}});
     } else {
         session.output.line({"Not approved: the rule does nothing by itself. To approve what it would do:"});
         session.output.line({"  vostrel preview " + rule.id.text().substr(0, 8) + " --approve"});

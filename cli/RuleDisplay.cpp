@@ -60,7 +60,7 @@ void showRule(Output& output, const Rule& rule, const PresetCatalog& catalog) {
     rows.push_back({{"runs", Style::dim}, triggersText(rule.triggers)});
     if (!rule.pauseWhileRunning.empty())
         rows.push_back({{"waits for", Style::dim}, fmt::format("{}", fmt::join(rule.pauseWhileRunning, ", "))});
-    rows.push_back({{"made", Style::dim}, dateText(rule.createdAt)});
+    rows.push_back({{"made", Style::dim}, localTime(rule.createdAt)});
     output.table(rows, {Alignment::left, Alignment::left});
 }
 

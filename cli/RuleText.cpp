@@ -145,10 +145,14 @@ std::string approvalText(ApprovalState state) {
     return {};
 }
 
-std::string dateText(Date date) {
+std::string localDay(Date date) {
+    return localTime(date).substr(0, std::string_view("2025-03-03").size());
+}
+
+std::string localTime(Date date) {
     const std::time_t seconds = date.seconds();
     std::tm local = {};
-    if (localtime_r(&seconds, &local) == nullptr) return "an unknown time";
+    if (localtime_r(&seconds, &local) == nullptr) return "unknown";
     return fmt::format("{:%Y-%m-%d %H:%M}", local);
 }
 

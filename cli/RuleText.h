@@ -28,7 +28,8 @@ enum class ApprovalState { none, current, outdated };
 [[nodiscard]] ApprovalState approvalState(const Rule& rule, const PresetCatalog& catalog);
 [[nodiscard]] std::string approvalText(ApprovalState state);
 
-/// In local time: "2025-03-03 09:05".
-[[nodiscard]] std::string dateText(Date date);
+/// In local time: "2025-03-03", "2025-03-03 09:05".
+[[nodiscard]] std::string localDay(Date date);
+[[nodiscard]] std::string localTime(Date date);
 
 }  // namespace vostrel::cli

@@ -65,7 +65,21 @@ void setModified(const fs::path& path, Date date) {
     utimensat(AT_FDCWD, path.c_str(), times.data(), AT_SYMLINK_NOFOLLOW);
 }
 
+/// Files and folders get the permissions that a cautious account gives them: a folder that others may write to is never
+/// cleaned.
+class CautiousPermissions {
+public:
+    CautiousPermissions() : usual(umask(022)) {}
+    CautiousPermissions(const CautiousPermissions&) = delete;
+    CautiousPermissions& operator=(const CautiousPermissions&) = delete;
+    ~CautiousPermissions() { umask(usual); }
+
+private:
+    mode_t usual;
+};
+
 bool fill(const SampleHome& sample, Date present) {
+    const CautiousPermissions permissions;
     for (const auto& [path, kilobytes] : sampleFiles) {
         if (!writeFile(sample.home() / path, kilobytes)) return false;
     }

@@ -67,7 +67,7 @@ class ProgramTest(unittest.TestCase):
     def document(self, *arguments, **options):
         return self.succeed("--json", *arguments, **options).document
 
-    def fail(self, *arguments, status=1, **options):
+    def refuse(self, *arguments, status=1, **options):
         """Runs what must fail, for people and as JSON, and returns the lines of standard error."""
         spoken = self.run_program(*arguments, **options)
         self.assertEqual(spoken.status, status, spoken)

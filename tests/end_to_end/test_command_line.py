@@ -41,7 +41,7 @@ class CommandLineTest(ProgramTest):
         ]
         for arguments, named in wrong:
             with self.subTest(arguments=arguments):
-                (sentence, *rest) = self.fail(*arguments, status=2)
+                (sentence, *rest) = self.refuse(*arguments, status=2)
                 self.assertIn(named, sentence)
                 self.assertEqual(rest, [])
         self.assertFalse(self.data.exists())

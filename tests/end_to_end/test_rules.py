@@ -66,7 +66,7 @@ class RulesTest(ProgramTest):
         self.assertEqual((pin["name"], pin["inode"]), ("film.mkv", chosen.stat().st_ino))
         self.make("Downloads/sub/deep")
         for missing in ("absent", "sub", "sub/deep", "/etc/passwd"):
-            self.fail("rule", "add", "Pin", "--folder", self.downloads, "--pin", missing)
+            self.refuse("rule", "add", "Pin", "--folder", self.downloads, "--pin", missing)
 
     def test_folders_are_named_as_in_any_shell(self):
         (self.downloads / "deep").mkdir()
@@ -97,7 +97,7 @@ class RulesTest(ProgramTest):
         ]
         for arguments, expected in problems:
             with self.subTest(arguments=arguments):
-                found = self.fail("rule", "add", *arguments)
+                found = self.refuse("rule", "add", *arguments)
                 if isinstance(expected, list):
                     self.assertLessEqual(set(expected), set(found))
                 elif expected is not None:
@@ -112,9 +112,9 @@ class RulesTest(ProgramTest):
             for wanted in (identifier, identifier.lower(), identifier[:12]):
                 self.assertEqual(self.document("rule", "show", wanted)["name"], name)
         self.assertEqual(self.document("rule", "show", "U\u0308BEN")["name"], "Üben")
-        self.assertEqual(len(self.fail("rule", "show", "SECOND")), 3)
+        self.assertEqual(len(self.refuse("rule", "show", "SECOND")), 3)
         for nothing in ("", "third", "00000000-0000-4000-8000-000000000000"):
-            self.assertEqual(self.fail("rule", "show", nothing), [f'There is no rule "{nothing}".'])
+            self.assertEqual(self.refuse("rule", "show", nothing), [f'There is no rule "{nothing}".'])
 
     def test_rules_move_and_go(self):
         for name in "wxyz":
@@ -123,7 +123,7 @@ class RulesTest(ProgramTest):
             self.succeed("rule", "move", wanted, str(position))
             self.assertEqual("".join(self.names()), order)
         for position in ("0", "5"):
-            self.fail("rule", "move", "w", position)
+            self.refuse("rule", "move", "w", position)
         self.assertEqual(self.document("rule", "remove", "y")["name"], "y")
         self.assertEqual(self.names(), ["x", "w", "z"])
         self.assertEqual(self.rules_file()["schedule"]["lastRun"], {})
@@ -187,7 +187,7 @@ class RulesTest(ProgramTest):
             for suffix in ["", *(f"-{n}" for n in range(1, 100))]:
                 (self.data / f"{stem}{suffix}.json").touch()
         for arguments in (("rule", "list"), ("rule", "add", "A", "--folder", self.downloads)):
-            (sentence,) = self.fail(*arguments)
+            (sentence,) = self.refuse(*arguments)
             self.assertIn("is damaged and could not be moved aside", sentence)
         self.assertEqual((self.data / "rules.json").read_text(), "damaged")
 
@@ -199,7 +199,7 @@ class RulesTest(ProgramTest):
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
             resource.setrlimit(resource.RLIMIT_FSIZE, (0, 0))
 
-        (sentence,) = self.fail("rule", "add", "Second", "--folder", self.downloads,
+        (sentence,) = self.refuse("rule", "add", "Second", "--folder", self.downloads,
                                 preexec_fn=without_space_for_files, restore_signals=False)
         self.assertIn("The rules were not saved", sentence)
         self.assertEqual((self.data / "rules.json").read_bytes(), before)

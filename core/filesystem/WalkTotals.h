@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "filesystem/UnreadableReason.h"
@@ -76,6 +77,11 @@ struct MeasuredSize {
 
     MeasuredSize() = default;
     explicit MeasuredSize(const WalkTotals& totals);
+
+    /// Why a stored one is refused.
+    struct DecodeError {
+        static constexpr std::string_view negative = "negative";
+    };
 
     [[nodiscard]] bool isComplete() const { return unreadableFolders == 0 && !stopped; }
 

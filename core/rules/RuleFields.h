@@ -4,7 +4,7 @@
 
 #include "base/UnicodeText.h"
 #include "filesystem/AgeBasis.h"
-#include "filesystem/RootIdentity.h"
+#include "filesystem/FilesystemFields.h"
 #include "rules/ApprovalKey.h"
 #include "rules/ArtifactKind.h"
 #include "rules/CleanupAction.h"
@@ -174,14 +174,6 @@ struct JSONCases<RuleTrigger> {
     static constexpr auto names =
         std::to_array<std::string_view>({"daily", "weekly", "whenAppQuits", "endOfDay", "belowLine", "manual"});
     static constexpr bool refusesOtherKeys = true;
-};
-
-template <>
-struct JSONFields<RootIdentity> {
-    static constexpr std::array list{
-        jsonField<&RootIdentity::volumeUUID>("volumeUUID"),
-        jsonField<&RootIdentity::inode>("inode"),
-    };
 };
 
 template <>

@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "filesystem/FilesystemFields.h"
+#include "stores/JSONCoding.h"
+
+namespace vostrel {
+namespace {
+
+template <class Value>
+std::string written(const Value& value) {
+    return JSONCoding::encoder(JSONLayout::compact).encode(value).value();
+}
+
+template <class Value>
+Decoded<Value> read(std::string_view text) {
+    return JSONCoding::decoder().decode<Value>(text);
+}
+
+/// The value is written as this text, and read from it again.
+template <class Value>
+void expectStored(const Value& value, std::string_view text) {
+    EXPECT_EQ(written(value), text);
+    EXPECT_EQ(read<Value>(text), value) << text;
+}
+
+TEST(FilesystemFieldsTest, storesIdentitiesAndMeasurements) {
+    expectStored(FileIdentity{-5, std::numeric_limits<std::uint64_t>::max()},
+                 R"({"device":-5,"inode":18446744073709551615})");
+    expectStored(RootIdentity{"A-B", 7}, R"({"inode":7,"volumeUUID":"A-B"})");
+
+    WalkTotals totals;
+    expectStored(totals, R"({"allocatedBytes":0,"files":0,"leftOutLibraries":0,"linksSkipped":0,"otherVolumes":0,)"
+                         R"("stopped":false,"unreadableFolders":0})");
+    totals = {1, 2, 3, UnreadableReason::tooDeep, 4, 5, 6, true};
+    expectStored(totals, R"({"allocatedBytes":1,"files":2,"leftOutLibraries":4,"linksSkipped":5,"otherVolumes":6,)"
+                         R"("stopped":true,"unreadableFolders":3,"unreadableReason":"tooDeep"})");
+    expectStored(MeasuredSize(totals), R"({"bytes":1,"files":2,"leftOutLibraries":4,"stopped":true,)"
+                                       R"("unreadableFolders":3,"unreadableReason":"tooDeep"})");
+    expectStored(MeasuredSize(), R"({"bytes":0,"files":0,"leftOutLibraries":0,"stopped":false,"unreadableFolders":0})");
+}
+
+TEST(FilesystemFieldsTest, refusesNegativeSizesAndCounts) {
+    const std::string sound = written(MeasuredSize());
+    for (const std::string key : {"bytes", "files", "leftOutLibraries", "unreadableFolders"}) {
+        std::string text = sound;
+        text.insert(text.find("\"" + key + "\":") + key.size() + 3, "-1");
+        EXPECT_EQ(read<MeasuredSize>(text).error().description, MeasuredSize::DecodeError::negative) << text;
+    }
+}
+
+TEST(FilesystemFieldsTest, storesShowsAndSortsEveryReason) {
+    using enum UnreadableReason;
+    const std::tuple<UnreadableReason, const char*, const char*, bool> rows[] = {
+        {needsFullDiskAccess, "needsFullDiskAccess", "Needs Full Disk Access", false},
+        {noPermission, "noPermission", "No permission to read it", false},
+        {couldNotRead, "couldNotRead", "Could not be read", false},
+        {tooDeep, "tooDeep", "Too deep to measure", false},
+        {otherHome, "otherHome", "Another account's folder, not measured", true},
+        {otherDisk, "otherDisk", "On another disk, not measured", true},
+        {systemPlace, "systemPlace", "A system folder, not measured", true},
+        {mediaLibrary, "mediaLibrary", "Not measured: Vostrel does not open the Music and TV libraries", false},
+        {unknown, "unknown", "Could not be read", false},
+    };
+    for (const auto& [reason, name, shown, isOnPurpose] : rows) {
+        expectStored(reason, "\"" + std::string(name) + "\"");
+        EXPECT_EQ(unreadableReasonNamed(name), reason);
+        EXPECT_EQ(shownText(reason), shown);
+        EXPECT_EQ(isLeftOutOnPurpose(reason), isOnPurpose) << name;
+    }
+    EXPECT_EQ(read<UnreadableReason>(R"("a later one")"), unknown);
+    EXPECT_EQ(unreadableReasonNamed("a later one"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace vostrel

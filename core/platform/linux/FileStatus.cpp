@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <limits>
 
 #include "base/Checked.h"
 #include "platform/linux/StatusReading.h"
@@ -46,9 +47,9 @@ EntryType entryType(unsigned mode) {
 }
 
 std::int64_t allocatedBytes(std::uint64_t blocks) {
-    constexpr std::int64_t blockSize = 512;
-    if (blocks > std::uint64_t{INT64_MAX}) endOnOverflow("the size of a file");
-    return checkedMultiply(static_cast<std::int64_t>(blocks), blockSize, "the size of a file");
+    constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max() / 512);
+    if (blocks > most) endOnOverflow("the size of a file");
+    return static_cast<std::int64_t>(blocks * 512);
 }
 
 std::expected<FileStatus, int> readStatus(int folder, const char* path, int flags) {

@@ -12,7 +12,7 @@ namespace vostrel::linux_platform {
 
 [[nodiscard]] EntryType entryType(unsigned mode);
 
-/// The bytes of so many blocks of 512; ends the process when they do not fit.
+/// What so many blocks of 512 bytes come to; ends the process when that is no true number.
 [[nodiscard]] std::int64_t allocatedBytes(std::uint64_t blocks);
 
 /// `statx` of `path` below `folder` (or of `folder` itself with `AT_EMPTY_PATH`), no link followed.

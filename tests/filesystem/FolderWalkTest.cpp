@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <set>
+#include <sstream>
 
 #include "filesystem/FolderWalk.h"
 #include "support/FakeFolderTree.h"
@@ -28,6 +30,26 @@ protected:
                 lines.push_back(line);
         }
         return lines;
+    }
+
+    /// Each subfolder that a whole listing brought was listed in its turn, or said not to have been reached.
+    void expectNoSubfolderForgotten() {
+        std::set<std::string> accountedFor;
+        std::set<std::string> listedWhole;
+        for (const auto& line : told()) {
+            std::istringstream words(line);
+            std::string what;
+            std::string path;
+            words >> what >> path;
+            if (what == "listed" || what == "notReached") accountedFor.insert(path);
+            if (what == "listed" && !line.ends_with("stopped")) listedWhole.insert(path);
+        }
+        for (const auto& path : listedWhole) {
+            for (const auto& name : tree.at(path).names) {
+                const bool isFolder = tree.at(path + "/" + name).status.type == EntryType::folder;
+                EXPECT_TRUE(!isFolder || accountedFor.contains(path + "/" + name)) << path << " " << name;
+            }
+        }
     }
 
     static constexpr std::string_view systemCalls[] = {"open ", "status ", "read ", "close ", "budget"};
@@ -147,6 +169,7 @@ TEST_F(FolderWalkTest, servesWalkAfterWalkAlsoAfterAStoppedOne) {
         EXPECT_EQ(walk(), FolderWalk::Ending::stopped);
         EXPECT_EQ(polls, lastPoll) << "nothing is asked once it was told to stop";
         EXPECT_EQ(told().back(), "finished /r stopped");
+        expectNoSubfolderForgotten();
         EXPECT_EQ(tree.openNow(), 0);
     }
     tree.clearJournal();

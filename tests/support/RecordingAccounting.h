@@ -37,6 +37,7 @@ public:
         if (end == ListingEnd::failed) text += " error " + std::to_string(error);
         write(text);
     }
+    void notReached(const WalkedFolder& folder) override { write(line("notReached", folder)); }
     void finished(const WalkedFolder& folder, bool stopped) override {
         write(line("finished", folder) + (stopped ? " stopped" : ""));
     }

@@ -50,7 +50,6 @@ Refusal PathGuards::refusalForRoot(const std::filesystem::path& root,
     const auto real = resolvedForm(root);
     if (!real) return refusal::unreadable(judged.display);
     judged.forms = recognisedForms(*real);
-    judged.forms.push_back(*real);
     if (auto refused = textRefusal(judged, Asked::root, allowed)) return refused;
 
     if (around->isMountPoint(real->spelledPath())) return refusal::wholeDisk(judged.display);
@@ -67,9 +66,12 @@ Refusal PathGuards::refusalForItem(const std::filesystem::path& item,
 
     const auto path = trimmedPath(item);
     const auto folder = resolvedForm(path.parent_path());
-    const auto real = folder ? formBelow(*folder, path.filename().native()) : std::nullopt;
-    if (!real) return refusal::unreadable(judged.display);
-    judged.forms = {*real};
+    judged.forms.clear();
+    for (const auto& form : folder ? recognisedForms(*folder) : std::vector<PathForm>()) {
+        auto own = formBelow(form, path.filename().native());
+        if (own) judged.forms.push_back(*std::move(own));
+    }
+    if (judged.forms.empty()) return refusal::unreadable(judged.display);
     if (auto refused = textRefusal(judged, Asked::item, allowed)) return refused;
 
     if (around->isMountPoint(path)) return refusal::wholeDisk(judged.display);
@@ -95,7 +97,9 @@ PathGuards::WalkRoot PathGuards::walkRoot(const std::filesystem::path& root,
     const auto real = resolvedForm(root);
     if (!real) return walk;
     walk.isReadable = true;
-    if (*real != walk.known.front()) walk.known.push_back(*real);
+    for (auto& form : recognisedForms(*real)) {
+        if (std::ranges::find(walk.known, form) == walk.known.end()) walk.known.push_back(std::move(form));
+    }
 
     const auto allowed = permission(exception);
     for (const auto& form : walk.known) {
@@ -219,7 +223,9 @@ std::optional<PathForm> PathGuards::resolvedForm(const std::filesystem::path& pa
     }
 }
 
-/// Forms of the path by what its folders are: a place that is mounted a second time elsewhere keeps its identity.
+/// The form, and before it those that the path has by what its folders are: a place that is mounted a second time keeps
+/// its identity, and of a folder inside one the mounts tell where else it lies. Only in a home does that matter: there
+/// a person's things are, while the startup disk as a whole, mounted again among other disks, would close everything.
 std::vector<PathForm> PathGuards::recognisedForms(const PathForm& form) const {
     std::vector<PathForm> forms;
     const auto depth = form.componentCount();
@@ -232,7 +238,17 @@ std::vector<PathForm> PathGuards::recognisedForms(const PathForm& form) const {
         if (!present || present->identity != facts->identity) continue;  // the number went to another folder since
         if (auto alias = formBelow(place->second, form.spelledBelow(above))) forms.push_back(std::move(*alias));
     }
+    for (const auto& path : around->otherPaths(form.spelledPath())) {
+        auto alias = PathForm::of(path);
+        if (alias && isInAHome(*alias)) forms.push_back(*std::move(alias));
+    }
+    forms.push_back(form);
     return forms;
+}
+
+bool PathGuards::isInAHome(const PathForm& form) const {
+    return std::ranges::any_of(places->homeForms, [&](const PathForm& home) { return home.contains(form); }) ||
+           places->tree.standing(form).accountTree.has_value();
 }
 
 std::optional<GuardPermission> PathGuards::permission(const std::optional<GuardException>& exception) const {

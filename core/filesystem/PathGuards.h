@@ -32,7 +32,7 @@ public:
     class WalkRoot {
     public:
         [[nodiscard]] const std::filesystem::path& url() const { return path; }
-        /// The root's forms: as given and as resolved.
+        /// The root's forms: as given, as resolved, and where it lies in the home by another mount.
         [[nodiscard]] const std::vector<PathForm>& forms() const { return known; }
         /// The root's own name ends in an extension of a photo, music or video library, a disk image or a backup.
         [[nodiscard]] bool hasProtectedExtension() const { return protectedExtension; }
@@ -107,6 +107,7 @@ private:
     [[nodiscard]] Entry entry(const std::filesystem::path& path) const;
     [[nodiscard]] std::optional<PathForm> resolvedForm(const std::filesystem::path& path) const;
     [[nodiscard]] std::vector<PathForm> recognisedForms(const PathForm& form) const;
+    [[nodiscard]] bool isInAHome(const PathForm& form) const;
     [[nodiscard]] std::optional<GuardPermission> permission(const std::optional<GuardException>& exception) const;
     [[nodiscard]] std::optional<std::string> textRefusal(const Entry& judged, Asked asked,
                                                          const std::optional<GuardPermission>& permission) const;

@@ -10,7 +10,8 @@
 
 namespace vostrel {
 
-/// What the system says about one file or folder itself, no link followed.
+/// What the system says about one file or folder itself, no link followed, and no slash at a path's end taken for one
+/// that asks to follow it.
 struct FileStatus {
     EntryType type = EntryType::none;
     std::int32_t device = 0;

@@ -577,6 +577,10 @@ TEST_F(PathGuardsOnDiskTest, recognisesAPlaceMountedASecondTime) {
     const PathGuards guards(home, {});
     EXPECT_EQ(guards.refusalForRoot(alias), std::nullopt);
     const bool ran = withPrivateMounts([&] {
+        ASSERT_EQ(::mount((keys / "old").c_str(), alias.c_str(), nullptr, MS_BIND, nullptr), 0);
+        EXPECT_EQ(guards.refusalForRoot(alias / "keys"), inside("~/.ssh"));
+        EXPECT_EQ(guards.refusalForItem(alias / "keys/mine"), inside("~/.ssh"));
+        EXPECT_EQ(guards.refusalForWalkedItem(guards.walkRoot(alias), "keys"), inside("~/.ssh"));
         ASSERT_EQ(::mount(keys.c_str(), alias.c_str(), nullptr, MS_BIND, nullptr), 0);
         EXPECT_EQ(guards.refusalForRoot(alias), inside("~/.ssh"));
         EXPECT_EQ(guards.refusalForRoot(alias / "old/keys"), inside("~/.ssh"));

@@ -80,7 +80,8 @@ std::expected<FileStatus, int> readStatus(int folder, const char* path, int flag
 }  // namespace linux_platform
 
 std::expected<FileStatus, int> statusOfPath(const std::filesystem::path& path) {
-    return linux_platform::readStatus(AT_FDCWD, path.c_str(), 0);
+    const bool endsWithSlash = !path.has_filename() && path.has_relative_path();
+    return linux_platform::readStatus(AT_FDCWD, (endsWithSlash ? path.parent_path() : path).c_str(), 0);
 }
 
 std::expected<FileStatus, int> statusOfOpen(int descriptor) {

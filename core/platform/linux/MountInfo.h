@@ -12,6 +12,9 @@ namespace vostrel {
 /// One line of the kernel's mount table.
 struct MountInfo {
     std::uint64_t id = 0;
+    /// The file system by its device number, "8:1", and which of its folders is mounted: "/" for the whole of it.
+    std::string device;
+    std::filesystem::path root;
     std::filesystem::path mountPoint;
     /// "ext4", or "fuse.sshfs" where the file system names a kind of its own.
     std::string type;
@@ -27,5 +30,9 @@ struct MountInfo {
 /// The mounts of the calling thread's namespace, in the kernel's order: a later one of the same point covers an
 /// earlier one. Empty where /proc is not to be had.
 [[nodiscard]] std::vector<MountInfo> readMountInfo();
+
+/// Where else these mounts show what lies at the path.
+[[nodiscard]] std::vector<std::filesystem::path> otherPathsAmong(const std::vector<MountInfo>& mounts,
+                                                                 const std::filesystem::path& path);
 
 }  // namespace vostrel

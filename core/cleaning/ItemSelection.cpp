@@ -36,7 +36,7 @@ void ItemSelection::take(MeasuredItem&& item) {
         return;
     }
     const Date ageDate = ageDateOf(item, url, rule.filter.ageBasis);
-    if (!isOldEnough(ageDate) || item.facts.bytes < rule.filter.minSizeBytes.value_or(0)) return;
+    if (!isOldEnough(ageDate) || item.facts.ownBytes() < rule.filter.minSizeBytes.value_or(0)) return;
     if (now - item.facts.newestUse < recentUse) {
         plan.skipped.push_back({std::move(url), SkipReason::tooRecent, std::nullopt});
         return;

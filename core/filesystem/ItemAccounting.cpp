@@ -189,6 +189,7 @@ void ItemAccounting::listed(const WalkedFolder& folder, const FileStatus& status
     level.facts.addDates(status.modified, status.changed, status.added);
     level.facts.containsDataless = level.facts.containsDataless || status.isDataless;
     if (isItem(folder.depth)) {
+        itemLinks = std::make_unique<LinkSet>();
         level.added = status.added;
     } else if (folder.depth > 0) {
         level.added = std::max(status.added, levels.back().added);
@@ -218,7 +219,13 @@ void ItemAccounting::reportRest(const WalkedFolder& folder, ListingEnd end) {
 void ItemAccounting::countLinkedFiles(const ItemNotes& notes) {
     Level& level = levels.back();
     for (const auto& file : notes.linkedFiles) {
-        if (links.insert({level.status.device, file.fileID})) level.facts.addFile(file.allocated);
+        const FileIdentity identity{level.status.device, file.fileID};
+        const bool isNewToItem = itemLinks->insert(identity);
+        if (links.insert(identity)) {
+            level.facts.addFile(file.allocated);
+        } else if (isNewToItem) {
+            level.facts.addShared(file.allocated);
+        }
     }
 }
 
@@ -270,6 +277,7 @@ void ItemAccounting::measure(const FolderEntry& entry, MeasuredItem& item) {
     item.facts.containsDataless = entry.isDataless;
     const bool isCountedAlready = entry.linkCount >= 2 && !links.insert(item.identity);
     item.facts.addFile(isCountedAlready ? 0 : entry.allocated);
+    if (isCountedAlready) item.facts.addShared(entry.allocated);
     levels.back().facts.addFile(item.facts.bytes);
     item.added = std::max(entry.added, levels.back().added);
     item.accessed = entry.accessed;

@@ -129,6 +129,8 @@ private:
     std::function<bool()> cancelled;
     FileIdentity root;
     std::vector<Level> levels;
+    /// The hard-linked files of the folder item that is being measured.
+    std::unique_ptr<LinkSet> itemLinks = std::make_unique<LinkSet>();
     int failure = 0;
 };
 

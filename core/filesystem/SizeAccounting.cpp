@@ -72,6 +72,7 @@ void SizeAccounting::prepare(const WalkedFolder& folder, const FolderNotes* pare
 }
 
 WalkDecision SizeAccounting::decide(const WalkedFolder& folder) {
+    if (rootFailure) return decisionOf(AccessDecision{rootFailure});  // there will be no sum to add to
     const std::string path(folder.path);
     walker.lookedUp(path);
     return decisionOf(walker.access(path));
@@ -108,11 +109,12 @@ void SizeAccounting::listed(const WalkedFolder& folder, const FileStatus& status
                             int error) {
     const auto& found = dynamic_cast<const SizeNotes&>(notes);
     levels.push_back({found.totals, found.key, std::nullopt});
-    countLinkedFiles(found, status.device);
+    const UnreadableReason reason = unreadableReasonOf(error, walker.fullDiskAccess);
+    if (end == ListingEnd::failed && folder.depth == 0) rootFailure = reason;
+    // The links of a root without a sum stay for the walks that share the set.
+    if (!rootFailure) countLinkedFiles(found, status.device);
     skipMarksOfEntries(found);
     if (end != ListingEnd::failed) return;
-    const UnreadableReason reason = unreadableReasonOf(error, walker.fullDiskAccess);
-    if (folder.depth == 0) rootFailure = reason;
     levels.back().totals.addUnreadable(reason);
     levels.back().listingFailure = reason;
 }

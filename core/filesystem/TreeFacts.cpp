@@ -11,6 +11,14 @@ void TreeFacts::addFile(std::int64_t allocated) {
     bytes = checkedAdd(bytes, allocated, "the size of an item");
 }
 
+void TreeFacts::addShared(std::int64_t allocated) {
+    sharedBytes = checkedAdd(sharedBytes, allocated, "the size of an item");
+}
+
+std::int64_t TreeFacts::ownBytes() const {
+    return checkedAdd(bytes, sharedBytes, "the size of an item");
+}
+
 void TreeFacts::addDates(Date modified, Date changed, std::optional<Date> added) {
     newestModified = std::max(newestModified, modified);
     newestUse = std::max({newestUse, modified, changed, added.value_or(changed)});
@@ -22,6 +30,7 @@ void TreeFacts::addUnreadable() {
 
 void TreeFacts::add(const TreeFacts& below) {
     bytes = checkedAdd(bytes, below.bytes, "the size of an item");
+    addShared(below.sharedBytes);
     fileCount = checkedAdd(fileCount, below.fileCount, "the number of files");
     unreadableCount = checkedAdd(unreadableCount, below.unreadableCount, "the number of unreadable entries");
     newestModified = std::max(newestModified, below.newestModified);

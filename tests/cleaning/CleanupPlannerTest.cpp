@@ -130,6 +130,15 @@ TEST_F(CleanupPlannerTest, goesByScopeNamesAgeAndSize) {
              filter.minSizeBytes = 20'480;
          },
          {"code/sub/old.LOG"}},
+        {"each name of a hard-linked file is as large as the file",
+         [&](RuleFilter& filter) {
+             std::filesystem::create_hard_link(home / "code/sub/old.LOG", home / "code/twin");
+             home.home.makeFolder("code/twins");
+             std::filesystem::create_hard_link(home / "code/sub/old.LOG", home / "code/twins/a");
+             std::filesystem::create_hard_link(home / "code/sub/old.LOG", home / "code/twins/b");
+             filter.minSizeBytes = 20'480;
+         },
+         {"code/sub", "code/twin", "code/twins"}},
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.name);

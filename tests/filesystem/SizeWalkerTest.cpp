@@ -249,6 +249,13 @@ TEST_F(SizeWalkerTest, countsAFileWithManyNamesOnce) {
 
     LinkSet fresh;
     EXPECT_EQ(std::get<Measured>(walker.walk("/other", {}, {}, fresh)).totals, totalsOf(2));
+
+    LinkSet shared;
+    tree->hardLink("/r/0", "/r/a/1");
+    tree->at("/r").listingFailure = {EIO, 3};
+    EXPECT_EQ(walker.walk("/r", {}, {}, shared), WalkResult(Unreadable{Reason::couldNotRead}));
+    EXPECT_EQ(std::get<Measured>(walker.walk("/other", {}, {}, shared)).totals, totalsOf(2))
+        << "a place without a sum has counted nothing";
 }
 
 TEST_F(SizeWalkerTest, tellsWhatTheRootIs) {

@@ -59,7 +59,8 @@ private:
 std::optional<PlanError> PartCollector::collect(const OpenedRoot& root) {
     const PathGuards::WalkRoot walkRoot = planner.guards.walkRoot(root.root.url, root.root.exception);
     ItemQuestions questions{
-        itemsOf(rule.filter.scope), planner.guards, walkRoot, exclusions,
+        root.root.screenshotFolder ? ItemsAre::topLevelFiles : itemsOf(rule.filter.scope), planner.guards, walkRoot,
+        exclusions,
         [&](std::string_view name, std::uint64_t fileID, EntryType type) { return admits(root, name, fileID, type); }};
     ItemSelection selection(rule, root, plan.roots.size(), now, plan);
     ItemAccounting accounting(questions, *planner.source, links,

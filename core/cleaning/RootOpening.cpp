@@ -103,8 +103,9 @@ std::expected<OpenedRoot, PlanError> RootOpening::open(const ResolvedRoot& resol
     opened.root.exception = resolved.exception;
     opened.root.setting = resolved.setting;
     opened.root.screenshotFolder = resolved.screenshotFolder;
-    opened.root.trashOnly = resolved.trashOnly;
-    opened.root.linkedAtPlanning = resolved.linked;
+    // Asked again: a folder on the way may have become a link since the target was resolved.
+    opened.root.linkedAtPlanning = resolved.linked || resolver.isLinked(resolved.url);
+    opened.root.trashOnly = resolved.trashOnly || opened.root.linkedAtPlanning;
     opened.root.iCloudAtPlanning = isInCloudStorage(real);
     if (auto error = identify(folder.get(), opened)) return std::unexpected(*std::move(error));
     if (auto error = refuse(resolved, opened, rule)) return std::unexpected(*std::move(error));
@@ -136,7 +137,7 @@ std::optional<PlanError> RootOpening::refuse(const ResolvedRoot& resolved, const
             return PlanError{Kind::folderNotTrusted, *std::move(refusal)};
         }
     }
-    if (rule.action == CleanupAction::deletePermanently && resolved.linked) {
+    if (rule.action == CleanupAction::deletePermanently && opened.root.linkedAtPlanning) {
         return PlanError{Kind::actionNotAllowed,
                          guards.displayPath(resolved.url) +
                              " leads to another folder through a link, so this rule can only move items to the Trash, "

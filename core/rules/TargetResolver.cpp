@@ -162,13 +162,17 @@ std::optional<std::string> TargetResolver::ownershipRefusal(const fs::path& root
     return root.native() + " is not a folder only you can change, so Vostrel leaves it alone.";
 }
 
+bool TargetResolver::isLinked(const fs::path& folder) const {
+    return leadsThroughLink(folder, {home, user.tempBase});
+}
+
 bool TargetResolver::isInLibrary(const fs::path& folder) const {
     return holds(home / "Library", folder);
 }
 
 ResolvedRoot TargetResolver::rootAt(fs::path path) const {
     ResolvedRoot root;
-    root.linked = leadsThroughLink(path, {home, user.tempBase});
+    root.linked = isLinked(path);
     root.trashOnly = root.linked;
     root.url = std::move(path);
     return root;

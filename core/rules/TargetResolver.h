@@ -68,6 +68,9 @@ public:
     [[nodiscard]] std::optional<std::string> ownershipRefusal(const std::filesystem::path& root,
                                                               const std::optional<FileStatus>& status) const;
 
+    /// Whether a link leads to the folder. What leads to the home or the temporary folder does not count.
+    [[nodiscard]] bool isLinked(const std::filesystem::path& folder) const;
+
     /// Whether the folder is the home folder's Library or lies inside it.
     [[nodiscard]] bool isInLibrary(const std::filesystem::path& folder) const;
 

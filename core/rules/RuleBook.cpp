@@ -1,9 +1,24 @@
 #include "rules/RuleBook.h"
 
 #include <algorithm>
+#include <set>
+#include <string>
 #include <utility>
 
 namespace vostrel {
+
+namespace {
+
+/// The rule's triggers that come round by the clock, in whatever order it lists them.
+std::set<std::string> clockOf(const Rule& rule) {
+    std::set<std::string> keys;
+    for (const RuleTrigger& trigger : rule.triggers) {
+        if (auto key = timeTriggerKey(trigger)) keys.insert(*std::move(key));
+    }
+    return keys;
+}
+
+}  // namespace
 
 RuleBook::RuleBook(std::vector<Rule> itsRules, ScheduleState itsSchedule)
     : rules(std::move(itsRules)), schedule(std::move(itsSchedule)) {}
@@ -28,7 +43,7 @@ bool RuleBook::update(Rule rule, Date now) {
     Rule* const stored = find(rule.id);
     if (!stored) return false;
     const bool becomesEnabled = rule.enabled && !stored->enabled;
-    if (becomesEnabled || rule.triggers != stored->triggers) countTriggersFrom(now, rule);
+    if (becomesEnabled || clockOf(rule) != clockOf(*stored)) countTriggersFrom(now, rule);
     *stored = std::move(rule);
     return true;
 }

@@ -163,7 +163,11 @@ TEST(RuleBookTest, nothingOverdueStartsWhenARuleIsEnabledApprovedOrGivenOtherTri
     ASSERT_TRUE(book.update(rule, sampleNow));
     EXPECT_EQ(book.schedule.countsFrom(rule.id, daily), longAgo) << "another name changes no time";
 
-    rule.triggers.pop_back();
+    rule.triggers = {EndOfDayTrigger{}, ManualTrigger{}, weekly, daily};
+    ASSERT_TRUE(book.update(rule, sampleNow));
+    EXPECT_EQ(book.schedule.countsFrom(rule.id, daily), longAgo) << "nor does another order, or one without a time";
+
+    rule.triggers = {daily, weekly, EndOfDayTrigger{}, WeeklyTrigger{3, 9, 5}};
     ASSERT_TRUE(book.update(rule, sampleNow));
     EXPECT_EQ(book.schedule.countsFrom(rule.id, daily), sampleNow);
     EXPECT_EQ(book.schedule.lastRunOf(rule.id), longAgo) << "when it last ran stays true";
@@ -182,7 +186,7 @@ TEST(RuleBookTest, nothingOverdueStartsWhenARuleIsEnabledApprovedOrGivenOtherTri
         EXPECT_EQ(date, key == rule.id.text() ? longAgo : sampleNow + 5min) << key;
     }
     EXPECT_THAT(keys, ElementsAre(rule.id.text(), rule.id.text() + "/daily:09:05", rule.id.text() + "/endOfDay",
-                                  rule.id.text() + "/weekly:2:09:05"));
+                                  rule.id.text() + "/weekly:2:09:05", rule.id.text() + "/weekly:3:09:05"));
     EXPECT_TRUE(book.remove(rule.id));
     EXPECT_TRUE(book.schedule.lastRun.empty());
 }

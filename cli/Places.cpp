@@ -2,7 +2,10 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <cctype>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 #include "platform/ApplicationData.h"
@@ -35,12 +38,35 @@ std::expected<fs::path, Failure> ownHome() {
     return home;
 }
 
+/// In quotes where a shell would read something else.
+std::string forShell(const std::string& word) {
+    const auto isPlain = [](unsigned char letter) {
+        return std::isalnum(letter) != 0 || std::string_view("/._-+,:@%").contains(static_cast<char>(letter));
+    };
+    if (!word.empty() && std::ranges::all_of(word, isPlain)) return word;
+    std::string quoted = "'";
+    for (const char letter : word)
+        quoted += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
+    return quoted + "'";
+}
+
+std::string textOf(const GlobalOptions& options) {
+    std::string text;
+    if (options.home) text += " --home " + forShell(options.home->native());
+    if (options.data) text += " --data " + forShell(options.data->native());
+    return text;
+}
+
 }  // namespace
 
 std::expected<Places, Failure> placesFor(const GlobalOptions& options) {
     const auto home = options.home ? namedHome(*options.home) : ownHome();
     if (!home) return std::unexpected(home.error());
-    Places places{.home = *home, .accountHome = accountHome(), .data = {}, .environment = processEnvironment()};
+    Places places{.home = *home,
+                  .accountHome = accountHome(),
+                  .data = {},
+                  .environment = processEnvironment(),
+                  .options = textOf(options)};
     if (options.home)
         std::erase_if(places.environment, [](const auto& each) { return each.first.starts_with("XDG_"); });
     std::error_code problem;

@@ -2,6 +2,7 @@
 
 #include <expected>
 #include <filesystem>
+#include <string>
 
 #include "cli/CommandLine.h"
 #include "cli/CommandResult.h"
@@ -18,6 +19,8 @@ struct Places {
     /// Where rules and records are kept. It need not exist yet.
     std::filesystem::path data;
     Environment environment;
+    /// The options that named them, as a shell reads them: " --home '/tmp/My Home'".
+    std::string options;
 };
 
 /// The user's own places, or those that the command line names. A home that was named must be a folder of the user's:

@@ -86,7 +86,7 @@ CommandResult preview(Session& session, const GlobalOptions& options, const Prev
         session.output.line({{approvalMeaning(rule), Style::good}});
     } else {
         session.output.line({"Not approved: the rule does nothing by itself. To approve what it would do:"});
-        session.output.line({"  vostrel preview " + rule.id.text().substr(0, 8) + " --approve"});
+        session.output.line({"  " + session.approvingCommand(rule)});
     }
     return session.output.document(documentOf(*plan, wanted.approves || wasApproved));
 }

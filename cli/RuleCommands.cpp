@@ -71,7 +71,7 @@ CommandResult add(Session& session, const RuleOptions& options) {
     session.output.line();
     session.output.line(
         {{"The rule is saved. It removes nothing by itself until you approve what it would do:", Style::good}});
-    session.output.line({"  vostrel preview " + rule->id.text().substr(0, 8) + " --approve"});
+    session.output.line({"  " + session.approvingCommand(*rule)});
     return session.output.document(encodeJSON(*rule));
 }
 

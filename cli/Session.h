@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <utility>
 
 #include "cli/CommandLine.h"
@@ -29,6 +30,9 @@ public:
     const PathGuards guards;
     const TargetResolver resolver;
     const StoredRules rules;
+
+    /// The command line that previews the rule in the same places and approves what it would do.
+    [[nodiscard]] std::string approvingCommand(const Rule& rule) const;
 };
 
 /// A command that wants the session of the home that the command line names.

@@ -2,6 +2,7 @@ import fcntl
 import json
 import os
 import pathlib
+import shlex
 import shutil
 import signal
 import stat
@@ -116,6 +117,14 @@ class PreviewTest(ProgramTest):
         self.downloads.rename(self.home / "moved away")
         shutil.copytree(self.home / "moved away", self.downloads, symlinks=True)
         self.assertFalse(self.preview()["approved"])
+
+    def test_the_command_that_it_advises_acts_in_the_same_places(self):
+        self.home = self.home.rename(self.folder / "Ann's home")
+        added = self.succeed("rule", "add", "Old", "--folder", self.home / "Downloads").out
+        for shown in (added, self.succeed("preview", "Old").out):
+            (advice,) = [line for line in shown.splitlines() if "--approve" in line]
+            self.assertEqual(shlex.split(advice)[-2:], ["--home", str(self.home)])
+        self.assertIn("Approved", self.succeed(*shlex.split(advice)[1:-2]).out)
 
     def test_only_a_rule_that_runs_by_itself_is_said_to(self):
         self.fill()

@@ -5,30 +5,12 @@
 namespace vostrel {
 namespace {
 
-TEST(CleanupPlanTest, saysWhyItemsAreLeftOut) {
-    struct Row {
-        SkipReason reason;
-        const char* phrase;
-        const char* one;
-        const char* several;
-    };
-    const Row table[] = {
-        {SkipReason::symlink, "that is a link", "1 item that is a link", "3 items that are links"},
-        {SkipReason::otherVolume, "on another disk", "1 item on another disk", "3 items on another disk"},
-        {SkipReason::timedOut, "not checked in time", "1 item Vostrel could not check in time",
-         "3 items Vostrel could not check in time"},
-        {SkipReason::protectedPlace, "Vostrel never removes", "1 item Vostrel never removes",
-         "3 items Vostrel never removes"},
-        {SkipReason::changedWhileChecking, "changed while Vostrel was checking",
-         "1 item that changed while Vostrel was checking it", "3 items that changed while Vostrel was checking them"},
-        {SkipReason::noToolSignature, "not recognized as a tool's folder",
-         "1 item that does not look like a tool made it", "3 items that do not look like a tool made them"},
-    };
-    for (const Row& row : table) {
-        EXPECT_EQ(phrase(row.reason), row.phrase);
-        EXPECT_EQ(countedPhrase(row.reason, 1), row.one);
-        EXPECT_EQ(countedPhrase(row.reason, 3), row.several);
-    }
+TEST(CleanupPlanTest, countsWhatIsLeftOut) {
+    EXPECT_EQ(countedPhrase(SkipReason::symlink, 1), "1 item that is a link");
+    EXPECT_EQ(countedPhrase(SkipReason::symlink, 3), "3 items that are links");
+    EXPECT_EQ(countedPhrase(SkipReason::otherVolume, 3), "3 items on another disk");
+    EXPECT_EQ(countedPhrase(SkipReason::noToolSignature, 0), "0 items that do not look like a tool made them");
+    EXPECT_EQ(phrase(SkipReason::timedOut), "not checked in time");
 }
 
 TEST(CleanupPlanTest, groupsItsItemsByRoot) {
@@ -36,15 +18,13 @@ TEST(CleanupPlanTest, groupsItsItemsByRoot) {
     plan.roots.resize(3);
     plan.roots[0].url = "/a/one";
     plan.roots[2].url = "/a/three";
-    const auto add = [&](const char* path, std::int64_t bytes, std::size_t root) {
+    for (const auto& [path, bytes, root] :
+         {std::tuple("/a/three/x", 5, 2U), {"/a/one/y", 7, 0U}, {"/a/three/z", 11, 2U}}) {
         PlannedItem& item = plan.items.emplace_back();
         item.url = path;
         item.bytes = bytes;
         item.rootIndex = root;
-    };
-    add("/a/three/x", 5, 2);
-    add("/a/one/y", 7, 0);
-    add("/a/three/z", 11, 2);
+    }
 
     const auto groups = plan.groups();
     ASSERT_EQ(groups.size(), 2);

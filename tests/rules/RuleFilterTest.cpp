@@ -16,19 +16,5 @@ TEST(RuleFilterTest, takesAChosenFileOnlyWhileNameVolumeAndInodeAgree) {
     EXPECT_FALSE(filter.pinsAllow("caf\u00E9", 7, "OTHER"));
 }
 
-TEST(RuleFilterTest, compilesBothPatternLists) {
-    RuleFilter filter;
-    filter.includeGlobs = {"*.log"};
-    filter.excludeGlobs = {"keep*"};
-    const auto globs = RuleFilter::CompiledGlobs::compile(filter);
-    ASSERT_TRUE(globs);
-    EXPECT_TRUE(globs->passes("a.log"));
-    EXPECT_FALSE(globs->passes("a.txt"));
-    EXPECT_FALSE(globs->passes("Keep.log"));
-    EXPECT_TRUE(globs->excludes("keep me"));
-    filter.excludeGlobs = {"[a"};
-    EXPECT_EQ(RuleFilter::CompiledGlobs::compile(filter).error(), R"(A "[" in the pattern has no matching "]".)");
-}
-
 }  // namespace
 }  // namespace vostrel

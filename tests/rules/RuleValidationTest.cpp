@@ -14,57 +14,72 @@ namespace {
 
 using Sentences = std::vector<std::string>;
 
-constexpr const char* unstorable = "This rule could not be saved in a form Vostrel can read back.";
-constexpr const char* noTimeOfDay = "A run time is not a time of day.";
-constexpr const char* noWeekday = "A weekly run has a day that does not exist.";
-constexpr const char* noFilters =
+const std::string noName = "Give the rule a name.";
+const std::string noFolder = "Choose a folder.";
+const std::string twice = "A code folder is listed twice.";
+const std::string noKinds = "Choose at least one kind of folder to remove.";
+const std::string untouchedDays = "Untouched days must be between 1 and 3650.";
+const std::string noFullPath = "Choose each code folder by its full path.";
+const std::string negativeAge = "The age must be 0 days or more.";
+const std::string noTime = "A run time is not a time of day.";
+const std::string noWeekday = "A weekly run has a day that does not exist.";
+const std::string noApp = "A run when an app quits needs the app's bundle id.";
+const std::string blankPause = "An app to pause for is blank.";
+const std::string unstorable = "This rule could not be saved in a form Vostrel can read back.";
+const std::string noFilters =
     "A project scan picks projects by how long they have been untouched, so it has no age, size or name filters.";
-constexpr const char* onlyChosenFiles = "A rule for chosen files cleans only those files, directly inside its folder.";
-constexpr const char* eachItem = "This preset cleans each item in its folders, and its rules must too.";
+const std::string presetNames =
+    "This preset decides which names it cleans, so the rule cannot list names to clean. It can list names to keep.";
+const std::string presetItems = "This preset cleans each item in its folders, and its rules must too.";
+
+std::string spacesAround(const std::string& entry) {
+    return "The app to pause for \"" + entry + "\" has spaces or line breaks around it.";
+}
 
 class RuleValidationTest : public testing::Test {
 protected:
-    [[nodiscard]] Sentences problems(const Rule& rule, const FixedDefaults& defaults = FixedDefaults({})) const {
-        const TargetResolver resolver(disk.path(), defaults, guards, {::getuid(), disk / "temporary"});
-        return rule.validationProblems(guards, resolver, catalog);
-    }
-    [[nodiscard]] Rule rule() const { return sampleRule(disk / "Cache"); }
-    [[nodiscard]] Rule presetRule(const char* id) const {
-        Rule made = rule();
-        made.target = PresetTarget{id};
-        return made;
-    }
-    [[nodiscard]] Rule scanRule(std::vector<std::filesystem::path> roots) const {
-        Rule made = rule();
-        made.target = ProjectScanTarget{std::move(roots), {ArtifactKind::nodeModules}, 30};
-        made.filter = {};
-        return made;
-    }
-    /// Whether those are all the problems of each rule, in that order.
+    /// A sound rule, what is done to it, and the sentences that this is answered with, in their order.
     struct Row {
         Rule rule;
         std::function<void(Rule&)> edit;
         Sentences problems;
     };
     void check(const std::vector<Row>& table) const {
-        for (const Row& row : table) {
-            Rule edited = row.rule;
-            row.edit(edited);
-            EXPECT_EQ(problems(edited), row.problems) << testing::PrintToString(row.problems);
+        for (const auto& [rule, edit, expected] : table) {
+            Rule edited = rule;
+            edit(edited);
+            EXPECT_EQ(problems(edited), expected) << testing::PrintToString(expected);
         }
+    }
+    [[nodiscard]] Sentences problems(const Rule& rule, const FixedDefaults& defaults = FixedDefaults({})) const {
+        const TargetResolver resolver(disk.path(), defaults, guards, {::getuid(), disk / "temporary"});
+        return rule.validationProblems(guards, resolver, sampleCatalog());
+    }
+    [[nodiscard]] Sentences refusal(const char* path) const {
+        return {guards.refusalForRoot(disk / path).value_or("")};
+    }
+    [[nodiscard]] Rule preset(const char* id) const {
+        Rule made = plain;
+        made.target = PresetTarget{id};
+        return made;
+    }
+    [[nodiscard]] Rule scanOf(std::vector<std::filesystem::path> roots) const {
+        Rule made = plain;
+        made.target = ProjectScanTarget{std::move(roots), {ArtifactKind::nodeModules}, 30};
+        made.filter = {};
+        return made;
     }
 
     TemporaryFolder disk;
     PathGuards guards{disk.path()};
-    PresetCatalog catalog = sampleCatalog();
+    const Rule plain = sampleRule(disk / "Cache");
+    const Rule scan = scanOf({disk / "code"});
 };
 
-ProjectScanTarget& scanOf(Rule& rule) {
-    return std::get<ProjectScanTarget>(rule.target);
-}
+void asItIs(Rule&) {}
 
-PinnedFile pin(const char* name, std::uint64_t inode) {
-    return {name, "VOLUME", inode};
+ProjectScanTarget& target(Rule& scan) {
+    return std::get<ProjectScanTarget>(scan.target);
 }
 
 void choose(Rule& rule, std::vector<PinnedFile> files) {
@@ -73,149 +88,100 @@ void choose(Rule& rule, std::vector<PinnedFile> files) {
     rule.filter.pinnedFiles = std::move(files);
 }
 
-TEST_F(RuleValidationTest, findsNothingWrongWithWhatCanRun) {
-    const auto nothing = [](Rule&) {};
-    check({
-        {rule(), nothing, {}},
-        {presetRule("each-item"), nothing, {}},
-        {presetRule("own-names"), [](Rule& edited) { edited.filter.excludeGlobs = {"*.keep"}; }, {}},
-        {presetRule("any-depth"), [](Rule& edited) { edited.filter.scope = RuleScope::allFiles; }, {}},
-        {presetRule("screenshots"), nothing, {}},
-        {scanRule({disk / "code", disk / "work/"}), nothing, {}},
-        {rule(), [](Rule& edited) { choose(edited, {pin("a", 1), pin("b", 1)}); }, {}},
-        {rule(), [](Rule& edited) { edited.triggers = {WeeklyTrigger{7, 23, 59}, WeeklyTrigger{1, 0, 0}}; }, {}},
-        {rule(), [](Rule& edited) { edited.filter.minAgeDays = 0; }, {}},
-        {scanRule({disk / "code"}), [](Rule& edited) { scanOf(edited).untouchedDays = 3650; }, {}},
-        {rule(), [&](Rule& edited) { edited.target = FolderTarget{disk / "a\xFF"}; }, {}},
-    });
-}
+const PinnedFile fileA{"a", "VOLUME", 1};
 
-TEST_F(RuleValidationTest, saysWhatIsWrongWithATarget) {
-    const std::filesystem::path code = disk / "code";
+TEST_F(RuleValidationTest, checksTargets) {
     check({
-        {rule(), [](Rule& edited) { edited.name = " \n\u3000\u00A0"; }, {"Give the rule a name."}},
-        {rule(), [](Rule& edited) { edited.target = FolderTarget{}; }, {"Choose a folder."}},
-        {rule(), [](Rule& edited) { edited.target = FolderTarget{"Cache"}; }, {"Choose a folder."}},
-        {rule(), [](Rule& edited) { edited.target = FolderTarget{"/home/.."}; }, {"Choose a folder."}},
-        {scanRule({code}), [](Rule& edited) { edited.filter.minAgeDays = 1; }, {noFilters}},
-        {scanRule({code}), [](Rule& edited) { edited.filter.minSizeBytes = 1; }, {noFilters}},
-        {scanRule({code}), [](Rule& edited) { edited.filter.excludeGlobs = {"a"}; }, {noFilters}},
-        {scanRule({}), [](Rule&) {}, {"Choose at least one code folder."}},
-        {scanRule({code, disk / "CODE/"}), [](Rule&) {}, {"A code folder is listed twice."}},
-        {scanRule({code}),
-         [](Rule& edited) { scanOf(edited).kinds.clear(); },
-         {"Choose at least one kind of folder to remove."}},
-        {scanRule({code}),
-         [](Rule& edited) { scanOf(edited).untouchedDays = 0; },
-         {"Untouched days must be between 1 and 3650."}},
-        {scanRule({code}),
-         [](Rule& edited) { scanOf(edited).untouchedDays = 3651; },
-         {"Untouched days must be between 1 and 3650."}},
-        {scanRule({code, "~/work"}), [](Rule&) {}, {"Choose each code folder by its full path."}},
-        {scanRule({disk / "Library/Developer"}),
-         [](Rule&) {},
+        {plain, [&](Rule& r) { r.target = FolderTarget{disk / "a\xFF"}; }, {}},
+        {plain, [](Rule& r) { r.name = " \n\u3000\u00A0"; }, {noName}},
+        {plain, [](Rule& r) { r.name = "a\xFF"; }, {unstorable}},
+        {plain, [](Rule& r) { r.target = FolderTarget{}; }, {noFolder}},
+        {plain, [](Rule& r) { r.target = FolderTarget{"/home/.."}; }, {noFolder}},
+        {plain, [&](Rule& r) { r.target = FolderTarget{disk / "Documents"}; }, refusal("Documents")},
+        {plain, [&](Rule& r) { r.target = FolderTarget{disk / "Library/Mail/V10"}; }, refusal("Library/Mail/V10")},
+        {plain, [&](Rule& r) { r.target = FolderTarget{disk / "Documents/Scans"}; }, {}},  // named by the rule itself
+        {scanOf({disk / "code", disk / "work/"}), [](Rule& r) { target(r).untouchedDays = 3650; }, {}},
+        {scanOf({disk / "code", disk / ".ssh"}), asItIs, refusal(".ssh")},
+        {scanOf({disk / "code", disk / "CODE/"}), asItIs, {twice}},
+        {scanOf({disk / "code", "~/work"}), asItIs, {noFullPath}},
+        {scanOf({}), asItIs, {"Choose at least one code folder."}},
+        {scan, [](Rule& r) { r.filter.minAgeDays = 1; }, {noFilters}},
+        {scan, [](Rule& r) { r.filter.minSizeBytes = 1; }, {noFilters}},
+        {scan, [](Rule& r) { r.filter.excludeGlobs = {"a"}; }, {noFilters}},
+        {scan, [](Rule& r) { target(r).kinds.clear(); }, {noKinds}},
+        {scan, [](Rule& r) { target(r).untouchedDays = 0; }, {untouchedDays}},
+        {scan, [](Rule& r) { target(r).untouchedDays = 3651; }, {untouchedDays}},
+        {scanOf({disk / "Library/Developer"}),
+         asItIs,
          {"Vostrel does not look for projects inside ~/Library, where apps keep their own files."}},
     });
 }
 
-TEST_F(RuleValidationTest, saysWhatIsWrongWithTheRestOfARule) {
+TEST_F(RuleValidationTest, checksFiltersTriggersAndPauses) {
     check({
-        {rule(), [](Rule& edited) { edited.filter.minAgeDays = -1; }, {"The age must be 0 days or more.", unstorable}},
-        {rule(),
-         [](Rule& edited) { edited.filter.minSizeBytes = -1; },
-         {"The size must be 0 bytes or more.", unstorable}},
-        {rule(),
-         [](Rule& edited) { edited.filter.includeGlobs = {"a/b", "*.log"}, edited.filter.excludeGlobs = {"/"}; },
-         {"Name patterns match file names only, so they cannot contain \"/\": a/b, /"}},
-        {rule(),
-         [](Rule& edited) { edited.filter.includeGlobs = {"[a", "[b", " c"}; },
-         {R"(A "[" in the pattern has no matching "]".)", "A pattern cannot start or end with a space."}},
-        {rule(), [](Rule& edited) { edited.filter.excludeGlobs = {""}; }, {"A pattern cannot be empty.", unstorable}},
-        {rule(), [](Rule& edited) { edited.triggers = {DailyTrigger{24, 0}}; }, {noTimeOfDay}},
-        {rule(), [](Rule& edited) { edited.triggers = {DailyTrigger{0, 60}, DailyTrigger{-1, 0}}; }, {noTimeOfDay}},
-        {rule(),
-         [](Rule& edited) { edited.triggers = {WeeklyTrigger{8, 0, 0}, DailyTrigger{0, -1}}; },
-         {noTimeOfDay, noWeekday}},
-        {rule(), [](Rule& edited) { edited.triggers = {WeeklyTrigger{0, 0, 0}}; }, {noWeekday}},
-        {rule(),
-         [](Rule& edited) { edited.triggers = {WhenAppQuitsTrigger{" "}}; },
-         {"A run when an app quits needs the app's bundle id."}},
-        {rule(),
-         [](Rule& edited) { edited.pauseWhileRunning = {"org.example.Editor\n"}; },
-         {"The app to pause for \"org.example.Editor\n\" has spaces or line breaks around it.", unstorable}},
-        {rule(), [](Rule& edited) { edited.pauseWhileRunning = {""}; }, {"An app to pause for is blank."}},
-        {rule(),
-         [](Rule& edited) { choose(edited, {pin("a", 1)}), edited.filter.scope = RuleScope::allFiles; },
-         {onlyChosenFiles, unstorable}},
-        {rule(),
-         [](Rule& edited) { choose(edited, {pin("a", 1)}), edited.filter.excludeGlobs = {"b"}; },
-         {"A rule for chosen files cannot also have name patterns.", unstorable}},
-        {rule(),
-         [](Rule& edited) { choose(edited, {pin("a", 1), pin("a", 2)}); },
-         {"A rule for chosen files names each file once.", unstorable}},
-        {rule(),
-         [](Rule& edited) { choose(edited, {}); },
+        {plain,
+         [](Rule& r) { r.filter.minAgeDays = 0, r.triggers = {WeeklyTrigger{7, 23, 59}, WeeklyTrigger{1, 0, 0}}; },
+         {}},
+        {plain, [](Rule& r) { r.filter.minAgeDays = -1; }, {negativeAge, unstorable}},
+        {plain, [](Rule& r) { r.filter.minSizeBytes = -1; }, {"The size must be 0 bytes or more.", unstorable}},
+        {plain, [](Rule& r) { r.filter.excludeGlobs = {""}; }, {"A pattern cannot be empty.", unstorable}},
+        {plain,
+         [](Rule& r) { r.filter.includeGlobs = {"a/b", "[a", "[b", " c"}, r.filter.excludeGlobs = {"/"}; },
+         {"Name patterns match file names only, so they cannot contain \"/\": a/b, /",
+          R"(A "[" in the pattern has no matching "]".)", "A pattern cannot start or end with a space."}},
+        {plain, [](Rule& r) { r.triggers = {DailyTrigger{24, 0}}; }, {noTime}},
+        {plain, [](Rule& r) { r.triggers = {DailyTrigger{0, 60}}; }, {noTime}},
+        {plain, [](Rule& r) { r.triggers = {DailyTrigger{-1, 0}}; }, {noTime}},
+        {plain, [](Rule& r) { r.triggers = {WeeklyTrigger{8, 0, 0}, DailyTrigger{0, -1}}; }, {noTime, noWeekday}},
+        {plain, [](Rule& r) { r.triggers = {WeeklyTrigger{0, 0, 0}}; }, {noWeekday}},
+        {plain, [](Rule& r) { r.triggers = {WhenAppQuitsTrigger{" "}}; }, {noApp}},
+        {plain, [](Rule& r) { r.pauseWhileRunning = {"a\n"}; }, {spacesAround("a\n"), unstorable}},
+        {plain, [](Rule& r) { r.pauseWhileRunning = {""}; }, {blankPause}},
+        {plain, [](Rule& r) { choose(r, {fileA, {"b", "VOLUME", 1}}); }, {}},
+        {plain, [](Rule& r) { choose(r, {{"a/b", "VOLUME", 1}}); }, {unstorable}},
+        {plain,
+         [](Rule& r) { choose(r, {fileA, fileA}), r.filter.scope = {}, r.filter.excludeGlobs = {"b"}; },
+         {"A rule for chosen files cleans only those files, directly inside its folder.",
+          "A rule for chosen files cannot also have name patterns.", "A rule for chosen files names each file once.",
+          unstorable}},
+        {plain,
+         [](Rule& r) { choose(r, {}); },
          {"A rule for chosen files needs the files it was made for.", unstorable}},
-        {rule(), [](Rule& edited) { choose(edited, {pin("a/b", 1)}); }, {unstorable}},
-        {rule(), [](Rule& edited) { edited.name = "a\xFF"; }, {unstorable}},
     });
 }
 
 TEST_F(RuleValidationTest, holdsARuleToItsPreset) {
     check({
-        {presetRule("gone"), [](Rule&) {}, {"This preset is not available in this version of Vostrel."}},
-        {presetRule("only-trash"),
-         [](Rule& edited) { edited.action = CleanupAction::deletePermanently; },
+        {preset("screenshots"), asItIs, {}},
+        {preset("own-names"), [](Rule& r) { r.filter.excludeGlobs = {"*.keep"}; }, {}},
+        {preset("any-depth"), [](Rule& r) { r.filter.scope = RuleScope::allFiles; }, {}},
+        {preset("gone"), asItIs, {"This preset is not available in this version of Vostrel."}},
+        {preset("only-trash"),
+         [](Rule& r) { r.action = CleanupAction::deletePermanently; },
          {"This preset only moves items to the Trash, so its rules cannot delete permanently."}},
-        {presetRule("own-names"),
-         [](Rule& edited) { edited.filter.includeGlobs = {"a"}; },
-         {"This preset decides which names it cleans, so the rule cannot list names to clean. It can list names to "
-          "keep."}},
-        {presetRule("screenshots"),
-         [](Rule& edited) { edited.filter.includeGlobs = {"a"}; },
-         {"This preset decides which names it cleans, so the rule cannot list names to clean. It can list names to "
-          "keep."}},
-        {presetRule("each-item"), [](Rule& edited) { edited.filter.scope = RuleScope::allFiles; }, {eachItem}},
-        {presetRule("each-item"), [](Rule& edited) { choose(edited, {pin("a", 1)}); }, {eachItem}},
-        {presetRule("any-depth"), [](Rule&) {}, {"This preset cleans files at any depth, and its rules must too."}},
-    });
-}
-
-TEST_F(RuleValidationTest, refusesProtectedRootsInTheGuardsWords) {
-    const auto at = [&](const char* path) {
-        return [folder = disk / path](Rule& edited) { edited.target = FolderTarget{folder}; };
-    };
-    const auto refusal = [&](const char* path) { return Sentences{guards.refusalForRoot(disk / path).value_or("")}; };
-    check({
-        {rule(), at("Library"), refusal("Library")},
-        {rule(), at("Documents"), refusal("Documents")},
-        {rule(), at("Library/Mail/V10"), refusal("Library/Mail/V10")},
-        {rule(), at("Documents/Scans"), {}},  // named by the rule itself
-        {scanRule({disk / "code", disk / ".ssh"}), [](Rule&) {}, refusal(".ssh")},
+        {preset("own-names"), [](Rule& r) { r.filter.includeGlobs = {"a"}; }, {presetNames}},
+        {preset("screenshots"), [](Rule& r) { r.filter.includeGlobs = {"a"}; }, {presetNames}},
+        {preset("each-item"), [](Rule& r) { choose(r, {fileA}); }, {presetItems}},
+        {preset("any-depth"), asItIs, {"This preset cleans files at any depth, and its rules must too."}},
     });
 
-    const auto withSetting = [](std::string folder) {
-        return FixedDefaults({{"com.apple.dt.Xcode IDECustomDerivedDataLocation", std::move(folder)}});
+    const auto withSetting = [&](std::string folder) {
+        const FixedDefaults set({{"com.apple.dt.Xcode IDECustomDerivedDataLocation", std::move(folder)}});
+        return problems(preset("derived-data"), set);
     };
-    const Rule derivedData = presetRule("derived-data");
-    EXPECT_EQ(problems(derivedData, withSetting(disk / "Documents/Build")), refusal("Documents/Build"));
-    EXPECT_EQ(problems(derivedData, withSetting("Build")), Sentences()) << "no fault of the rule";
+    EXPECT_EQ(withSetting(disk / "Documents/Build"), refusal("Documents/Build"));
+    EXPECT_EQ(withSetting("Build"), Sentences()) << "no fault of the rule";
 }
 
 TEST_F(RuleValidationTest, reportsEveryProblemInOneOrderAndEachOnce) {
-    Rule edited = scanRule({"code", "code"});
+    Rule edited = scanOf({"code", "code"});
     edited.name = "";
     edited.filter.minAgeDays = -1;
     edited.triggers = {WeeklyTrigger{9, 99, 99}, WhenAppQuitsTrigger{}};
     edited.pauseWhileRunning = {" "};
-    scanOf(edited).kinds.clear();
-    EXPECT_EQ(problems(edited),
-              (Sentences{"Give the rule a name.", noFilters, "A code folder is listed twice.",
-                         "Choose at least one kind of folder to remove.", "Choose each code folder by its full path.",
-                         "The age must be 0 days or more.", noTimeOfDay, noWeekday,
-                         "A run when an app quits needs the app's bundle id.",
-                         "The app to pause for \" \" has spaces or line breaks around it.",
-                         "An app to pause for is blank.", unstorable}));
+    target(edited).kinds.clear();
+    EXPECT_EQ(problems(edited), (Sentences{noName, noFilters, twice, noKinds, noFullPath, negativeAge, noTime,
+                                           noWeekday, noApp, spacesAround(" "), blankPause, unstorable}));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
-#include <gmock/gmock.h>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
+
+#include <utility>
 
 #include "SampleRules.h"
 #include "filesystem/PathGuards.h"
@@ -11,211 +13,161 @@ namespace vostrel {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
-using Kind = ResolveError::Kind;
-
-const char* const screenshotKey = "com.apple.screencapture location";
-const char* const derivedDataKey = "com.apple.dt.Xcode IDECustomDerivedDataLocation";
+using Row = std::pair<RuleTarget, std::string>;
 
 class TargetResolverTest : public testing::Test {
 protected:
-    [[nodiscard]] auto resolve(const RuleTarget& target, const FixedDefaults& defaults = FixedDefaults({})) const {
-        return TargetResolver(home, defaults, guards, {::getuid(), disk / "temporary"}).resolve(target, catalog);
+    [[nodiscard]] TargetResolver resolver(const FixedDefaults& defaults, std::uint32_t user = ::getuid()) const {
+        return {home, defaults, guards, {user, disk / "temporary"}};
     }
-    [[nodiscard]] auto resolve(const RuleTarget& target, const char* key, const DefaultsValue& value) const {
-        return resolve(target, FixedDefaults({{key, value}}));
+
+    /// The roots as people see them, each with what limits it; or what kind of failure there is, and its sentence.
+    [[nodiscard]] std::string outcome(const RuleTarget& target, const TargetResolver& by) const {
+        constexpr const char* kinds[] = {"missing", "unreadable", "setting", "protected", "unknown"};
+        const auto roots = by.resolve(target, sampleCatalog());
+        if (!roots) return fmt::format("{}: {}", kinds[std::to_underlying(roots.error().kind)], roots.error().sentence);
+        std::vector<std::string> texts;
+        for (const ResolvedRoot& root : *roots) {
+            std::string text = guards.displayPath(root.url);
+            if (root.linked) text += " linked";
+            if (root.trashOnly) text += " trashOnly";
+            if (root.screenshotFolder) text += " screenshots";
+            if (root.setting) text += " by " + *root.setting;
+            if (!root.mustBeOwnedByUser) text += " anyone's";
+            if (guards.refusalForRoot(root.url, root.exception)) text += " refused";
+            texts.push_back(text);
+        }
+        return fmt::format("{}", fmt::join(texts, ", "));
+    }
+    void check(const std::vector<Row>& table) const {
+        const FixedDefaults defaults({});
+        for (const auto& [target, expected] : table)
+            EXPECT_EQ(outcome(target, resolver(defaults)), expected);
     }
 
     TemporaryFolder disk;
     fs::path home = disk.makeFolder("home");
     PathGuards guards{home};
-    PresetCatalog catalog = sampleCatalog();
 };
 
-TEST_F(TargetResolverTest, resolvesEachFolderInTheTargetsOrder) {
-    disk.makeFolder("home/code");
-    const auto folder = resolve(FolderTarget{home / "code"});
-    ASSERT_TRUE(folder);
-    ASSERT_EQ(folder->size(), 1);
-    EXPECT_EQ(folder->front().url, home / "code");
-    EXPECT_TRUE(folder->front().mustBeOwnedByUser);
-    EXPECT_FALSE(folder->front().linked || folder->front().trashOnly || folder->front().screenshotFolder);
-
-    const auto scan = resolve(ProjectScanTarget{{home / "z", home / "a"}, {ArtifactKind::dist}, 30});
-    ASSERT_TRUE(scan);
-    ASSERT_EQ(scan->size(), 2);
-    EXPECT_EQ(scan->at(0).url, home / "z");
-    EXPECT_EQ(scan->at(1).url, home / "a");
-}
-
-TEST_F(TargetResolverTest, refusesWhatNamesNoFolder) {
-    for (const char* path : {"", "code", "~/code", "/home/../etc", "."}) {
-        EXPECT_EQ(resolve(FolderTarget{path}).error().kind, Kind::rootMissing) << path;
-        EXPECT_EQ(resolve(ProjectScanTarget{{home / "a", path}, {}, 30}).error().kind, Kind::rootMissing) << path;
-    }
-    EXPECT_EQ(resolve(PresetTarget{"gone"}).error(),
-              (ResolveError{Kind::presetUnknown, "This preset is not available in this version of Vostrel."}));
-}
-
-TEST_F(TargetResolverTest, looksForNoProjectsInTheLibrary) {
+TEST_F(TargetResolverTest, resolvesTheFoldersThatARuleNames) {
+    const std::string inLibrary =
+        "protected: Vostrel does not look for projects inside ~/Library, where apps keep their own files.";
+    disk.makeFolder("real/inside");
     disk.makeFolder("home/Library/Developer");
-    disk.makeLink("home/link", home / "Library/Developer");
-    for (const char* inside : {"Library", "library/Caches", "Library/", "link/apps"}) {
-        EXPECT_EQ(resolve(ProjectScanTarget{{home / inside}, {}, 30}).error(),
-                  (ResolveError{Kind::protectedRoot,
-                                "Vostrel does not look for projects inside ~/Library, where apps keep their own "
-                                "files."}))
-            << inside;
+    disk.makeLink("home/link", disk / "real");
+    disk.makeLink("home/apps", home / "Library/Developer");
+    const auto scanOf = [&](const fs::path& folder) { return ProjectScanTarget{{home / "z", home / folder}, {}, 30}; };
+    check({
+        {FolderTarget{home / "code"}, "~/code"},
+        {FolderTarget{home / "Documents/Scans"}, "~/Documents/Scans"},
+        {FolderTarget{home / "link"}, "~/link linked trashOnly"},
+        {FolderTarget{home / "link/inside"}, "~/link/inside linked trashOnly"},
+        {FolderTarget{home / "link/not-there"}, "~/link/not-there linked trashOnly"},
+        {PresetTarget{"gone"}, "unknown: This preset is not available in this version of Vostrel."},
+        {scanOf("a"), "~/z, ~/a"},
+        {scanOf("Library2"), "~/z, ~/Library2"},
+        {scanOf("Library"), inLibrary},
+        {scanOf("library/Caches"), inLibrary},
+        {scanOf("apps/inside"), inLibrary},
+    });
+    for (const char* path : {"", "code", "~/code", "/home/../etc", "."}) {
+        const std::string missing =
+            "missing: The folder does not exist, or the rule has no folder. Edit the rule and choose one.";
+        check({{FolderTarget{path}, missing}, {ProjectScanTarget{{home / "a", path}, {}, 30}, missing}});
     }
-    EXPECT_TRUE(resolve(ProjectScanTarget{{home / "Library2"}, {}, 30}));
+
+    const FixedDefaults defaults({});
+    const TargetResolver throughLink(disk.makeLink("linked-home", home), defaults, guards, {::getuid(), "/tmp"});
+    EXPECT_EQ(outcome(FolderTarget{disk / "linked-home/plain"}, throughLink), (disk / "linked-home/plain").native())
+        << "what leads to the home folder is the system's choice";
 }
 
-TEST_F(TargetResolverTest, readsWhereScreenshotsAreSaved) {
-    const auto byDefault = resolve(PresetTarget{"screenshots"});
-    ASSERT_TRUE(byDefault);
-    EXPECT_EQ(byDefault->front().url, home / "Desktop");
-    EXPECT_TRUE(byDefault->front().screenshotFolder);
-    EXPECT_TRUE(byDefault->front().trashOnly);
-    EXPECT_FALSE(byDefault->front().setting);
-    EXPECT_EQ(guards.refusalForRoot(home / "Desktop", byDefault->front().exception), std::nullopt);
-
-    const auto chosen = resolve(PresetTarget{"screenshots"}, screenshotKey, (home / "Shots").native());
-    ASSERT_TRUE(chosen);
-    EXPECT_EQ(chosen->front().url, home / "Shots");
-    EXPECT_TRUE(chosen->front().screenshotFolder);
-    EXPECT_EQ(chosen->front().setting, "the screenshot location");
-}
-
-TEST_F(TargetResolverTest, refusesSettingsThatNameNoFolderItMayTrust) {
+TEST_F(TargetResolverTest, followsOtherApplicationsSettingsAsFarAsTheyCanBeTrusted) {
     disk.makeFolder("home/Library/Developer/Xcode/Archives");
-    disk.makeLink("elsewhere", home / "Library/Developer/Xcode");
-    const std::string besideArchives =
-        ", inside Xcode's own folder next to its archives and device support, so Vostrel leaves it alone.";
-    const std::string holdsAll = ", which also holds Xcode's other folders, so Vostrel leaves it alone.";
-    const std::string opening = "Xcode's DerivedData location is set to ";
-    const auto at = [&](const char* relative) { return DefaultsValue((home / relative).native()); };
-    struct Row {
+    const std::string elsewhere = disk.makeLink("elsewhere", home / "Library/Developer/Xcode");
+    const std::string standard = home / "Library/Developer/Xcode/DerivedData";
+    const auto asXcodes = [](const std::string& folder, const char* why) {
+        return "setting: Xcode's DerivedData location is set to " + folder + ", " + why;
+    };
+    const char* const noPath = "which is not a full folder path, so Vostrel cannot tell which folder Xcode uses.";
+    const char* const besideArchives =
+        "inside Xcode's own folder next to its archives and device support, so Vostrel leaves it alone.";
+    const char* const holdsAll = "which also holds Xcode's other folders, so Vostrel leaves it alone.";
+    struct SettingRow {
         const char* preset;
         DefaultsValue value;
-        std::string sentence;
+        std::string expected;
     };
-    const Row table[] = {
+    const SettingRow table[] = {
+        {"screenshots", PreferenceMissing{}, "~/Desktop trashOnly screenshots"},
+        {"screenshots", home / "Shots", "~/Shots trashOnly screenshots by the screenshot location"},
         {"screenshots", PreferenceOther{},
-         "Vostrel could not read where screenshots are saved, so it leaves them alone."},
-        {"screenshots", std::string("~/Shots"),
-         "The screenshot folder is set to \"~/Shots\", which is not a full folder path, so Vostrel leaves it alone."},
-        {"screenshots", std::string(),
-         "The screenshot folder is set to \"\", which is not a full folder path, so Vostrel leaves it alone."},
+         "setting: Vostrel could not read where screenshots are saved, so it leaves them alone."},
+        {"screenshots", "~/Shots",
+         "setting: The screenshot folder is set to \"~/Shots\", which is not a full folder path, so Vostrel leaves it "
+         "alone."},
+        {"derived-data", PreferenceMissing{}, "~/Library/Developer/Xcode/DerivedData"},
+        {"derived-data", standard, "~/Library/Developer/Xcode/DerivedData"},
+        {"derived-data", standard + "/", "~/Library/Developer/Xcode/DerivedData"},
+        {"derived-data", home / "Build", "~/Build trashOnly by Xcode's DerivedData location"},
         {"derived-data", PreferenceOther{},
-         "Vostrel could not read where Xcode keeps DerivedData, so it leaves it alone."},
-        {"derived-data", std::string("Build"),
-         "Xcode's DerivedData location is set to \"Build\", which is not a full folder path, so Vostrel cannot tell "
-         "which folder Xcode uses."},
-        {"derived-data", std::string("/Volumes/../Build"),
-         "Xcode's DerivedData location is set to \"/Volumes/../Build\", which is not a full folder path, so Vostrel "
-         "cannot tell which folder Xcode uses."},
-        {"derived-data", at("Library/Developer/Xcode/Archives"),
-         opening + "~/Library/Developer/Xcode/Archives" + besideArchives},
-        {"derived-data", at("Library/Developer/Xcode/deriveddata"),
-         opening + "~/Library/Developer/Xcode/deriveddata" + besideArchives},
-        {"derived-data", DefaultsValue((disk / "elsewhere/Build").native()),
-         opening + (disk / "elsewhere/Build").native() + besideArchives},
-        {"derived-data", at("Library/Developer/Xcode"), opening + "~/Library/Developer/Xcode" + holdsAll},
-        {"derived-data", at("library/developer/"), opening + "~/library/developer" + holdsAll},
-        {"derived-data", DefaultsValue(home.native()), opening + "~" + holdsAll},
-        {"derived-data", DefaultsValue((disk / "elsewhere").native()),
-         opening + (disk / "elsewhere").native() + holdsAll},
+         "setting: Vostrel could not read where Xcode keeps DerivedData, so it leaves it alone."},
+        {"derived-data", "Build", asXcodes("\"Build\"", noPath)},
+        {"derived-data", "/Volumes/../Build", asXcodes("\"/Volumes/../Build\"", noPath)},
+        {"derived-data", home / "Library/Developer/Xcode/deriveddata",
+         asXcodes("~/Library/Developer/Xcode/deriveddata", besideArchives)},
+        {"derived-data", elsewhere + "/Build", asXcodes(elsewhere + "/Build", besideArchives)},
+        {"derived-data", home / "library/developer/", asXcodes("~/library/developer", holdsAll)},
+        {"derived-data", home, asXcodes("~", holdsAll)},
+        {"derived-data", elsewhere, asXcodes(elsewhere, holdsAll)},
+        {"derived-data", home / "Documents/Build",
+         "protected: " + guards.refusalForRoot(home / "Documents/Build").value_or("")},
     };
-    for (const auto& [preset, value, sentence] : table) {
-        const char* key = std::string(preset) == "screenshots" ? screenshotKey : derivedDataKey;
-        const auto roots = resolve(PresetTarget{preset}, key, value);
-        EXPECT_EQ(roots ? "resolved" : roots.error().sentence, sentence);
-        EXPECT_EQ(roots ? Kind::rootMissing : roots.error().kind, Kind::settingUnreadable) << sentence;
+    for (const auto& [preset, value, expected] : table) {
+        const bool isXcodes = std::string_view(preset) == "derived-data";
+        const FixedDefaults defaults(
+            {{isXcodes ? "com.apple.dt.Xcode IDECustomDerivedDataLocation" : "com.apple.screencapture location",
+              value}});
+        EXPECT_EQ(outcome(PresetTarget{preset}, resolver(defaults)), expected);
     }
-}
-
-TEST_F(TargetResolverTest, readsWhereXcodeKeepsDerivedData) {
-    const fs::path standard = home / "Library/Developer/Xcode/DerivedData";
-    for (const auto& roots : {resolve(PresetTarget{"derived-data"}),
-                              resolve(PresetTarget{"derived-data"}, derivedDataKey, standard.native()),
-                              resolve(PresetTarget{"derived-data"}, derivedDataKey, standard.native() + "/")}) {
-        ASSERT_TRUE(roots);
-        EXPECT_EQ(roots->front().url, standard);
-        EXPECT_FALSE(roots->front().setting || roots->front().trashOnly);
-    }
-
-    const auto chosen = resolve(PresetTarget{"derived-data"}, derivedDataKey, (home / "Build").native());
-    ASSERT_TRUE(chosen);
-    EXPECT_EQ(chosen->front().url, home / "Build");
-    EXPECT_EQ(chosen->front().setting, "Xcode's DerivedData location");
-    EXPECT_TRUE(chosen->front().trashOnly) << "only the Trash gives back what a wrong setting names";
-
-    const fs::path documents = home / "Documents/Build";
-    const auto refused = resolve(PresetTarget{"derived-data"}, derivedDataKey, documents.native());
-    ASSERT_FALSE(refused) << "a setting is no permission for a protected tree";
-    EXPECT_EQ(refused.error().kind, Kind::protectedRoot);
-    EXPECT_EQ(refused.error().sentence, guards.refusalForRoot(documents));
 }
 
 TEST_F(TargetResolverTest, findsTheUsersOwnTemporaryFoldersByPrefix) {
-    const auto urls = [](const auto& roots) {
-        std::vector<fs::path> paths;
-        for (const ResolvedRoot& root : roots.value())
-            paths.push_back(root.url);
-        return paths;
-    };
-    const fs::path kept = home / "Library/Caches/kept";
-    EXPECT_THAT(urls(resolve(PresetTarget{"temporary"})), ElementsAre(kept)) << "without a temporary folder";
-
-    disk.makeFolder("temporary/session-b");
-    disk.makeFolder("temporary/session-a");
-    disk.makeFolder("temporary/other-session-c");
-    disk.makeFolder("temporary/Session-d");
+    const std::string kept = "~/Library/Caches/kept";
+    check({{PresetTarget{"temporary"}, kept}});
+    for (const char* name : {"session-b", "session-a", "other-session-c", "Session-d"})
+        disk.makeFolder(fmt::format("temporary/{}", name));
     disk.makeFile("temporary/session-file");
     disk.makeLink("temporary/session-link", home);
-    EXPECT_THAT(urls(resolve(PresetTarget{"temporary"})),
-                ElementsAre(kept, disk / "temporary/session-a", disk / "temporary/session-b"));
-
+    check({{PresetTarget{"temporary"}, fmt::format("{}, {}/session-a, {}/session-b", kept,
+                                                   (disk / "temporary").native(), (disk / "temporary").native())}});
     const FixedDefaults defaults({});
-    const TargetResolver another(home, defaults, guards, {::getuid() + 1, disk / "temporary"});
-    EXPECT_THAT(urls(another.resolve(PresetTarget{"temporary"}, catalog)), ElementsAre(kept));
-}
-
-TEST_F(TargetResolverTest, marksRootsThatALinkLeadsTo) {
-    disk.makeFolder("real/inside");
-    disk.makeLink("home/link", disk / "real");
-    for (const char* path : {"link", "link/", "link/inside", "link/not-there"}) {
-        const auto roots = resolve(FolderTarget{home / path});
-        ASSERT_TRUE(roots);
-        EXPECT_TRUE(roots->front().linked && roots->front().trashOnly) << path;
-    }
-    const fs::path linkedHome = disk.makeLink("linked-home", home);
-    disk.makeFolder("home/plain");
-    const FixedDefaults defaults({});
-    const TargetResolver throughLink(linkedHome, defaults, guards, {::getuid(), disk / "temporary"});
-    EXPECT_FALSE(throughLink.resolve(FolderTarget{linkedHome / "plain"}, catalog)->front().linked)
-        << "what leads to the home folder is the system's choice";
+    EXPECT_EQ(outcome(PresetTarget{"temporary"}, resolver(defaults, ::getuid() + 1)), kept);
 }
 
 TEST_F(TargetResolverTest, trustsOnlyFoldersThatNobodyElseCanChange) {
     const FixedDefaults defaults({});
-    const TargetResolver resolver(home, defaults, guards, {501, disk / "temporary"});
-    const auto isRefused = [&](EntryType type, std::uint32_t owner, std::uint16_t mode) {
-        FileStatus status;
-        status.type = type;
-        status.owner = owner;
-        status.mode = mode;
-        return resolver.ownershipRefusal("/home/ada/Cache", status).has_value();
+    const std::optional<std::string> refusal =
+        "/home/ada/Cache is not a folder only you can change, so Vostrel leaves it alone.";
+    struct StatusRow {
+        EntryType type;
+        std::uint32_t owner;
+        std::uint16_t mode;
+        bool isTrusted;
     };
-    EXPECT_FALSE(isRefused(EntryType::folder, 501, 0755));
-    EXPECT_FALSE(isRefused(EntryType::folder, 501, 0700));
-    EXPECT_TRUE(isRefused(EntryType::folder, 501, 0775));
-    EXPECT_TRUE(isRefused(EntryType::folder, 501, 0757));
-    EXPECT_TRUE(isRefused(EntryType::folder, 501, 01777));
-    EXPECT_TRUE(isRefused(EntryType::folder, 0, 0755));
-    EXPECT_TRUE(isRefused(EntryType::file, 501, 0755));
-    EXPECT_EQ(resolver.ownershipRefusal("/home/ada/Cache", std::nullopt),
-              "/home/ada/Cache is not a folder only you can change, so Vostrel leaves it alone.");
+    for (const auto& row :
+         {StatusRow{EntryType::folder, 501, 0755, true}, StatusRow{EntryType::folder, 501, 0775, false},
+          StatusRow{EntryType::folder, 501, 0757, false}, StatusRow{EntryType::folder, 0, 0755, false},
+          StatusRow{EntryType::file, 501, 0755, false}}) {
+        FileStatus status;
+        status.type = row.type;
+        status.owner = row.owner;
+        status.mode = row.mode;
+        EXPECT_EQ(resolver(defaults, 501).ownershipRefusal("/home/ada/Cache", status),
+                  row.isTrusted ? std::nullopt : refusal);
+    }
+    EXPECT_EQ(resolver(defaults, 501).ownershipRefusal("/home/ada/Cache", std::nullopt), refusal);
 }
 
 }  // namespace

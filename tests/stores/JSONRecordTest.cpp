@@ -18,10 +18,6 @@ struct Nothing {
     friend bool operator==(const Nothing&, const Nothing&) = default;
 };
 using Figure = std::variant<Circle, Nothing>;
-struct Closed {
-    std::string name;
-    std::variant<Nothing, Circle> figure;
-};
 
 struct Sample {
     std::string name;
@@ -58,16 +54,6 @@ struct JSONCases<Figure> {
     static constexpr auto names = std::to_array<std::string_view>({"circle", "nothing"});
 };
 template <>
-struct JSONCases<std::variant<Nothing, Circle>> {
-    static constexpr auto names = std::to_array<std::string_view>({"nothing", "circle"});
-    static constexpr bool refusesOtherKeys = true;
-};
-template <>
-struct JSONFields<Closed> {
-    static constexpr std::array list{jsonField<&Closed::name>("name"), jsonField<&Closed::figure>("figure")};
-    static constexpr bool refusesOtherKeys = true;
-};
-template <>
 struct JSONFields<Sample> {
     static constexpr std::array list{
         jsonField<&Sample::name>("name"),
@@ -96,53 +82,34 @@ Sample named(std::string name) {
     return sample;
 }
 
-Decoded<Sample> read(std::string_view text) {
-    return JSONCoding::decoder().decode<Sample>(text);
-}
-
-template <class Value>
-Decoded<Value> readOne(std::string_view text) {
+template <class Value = Sample>
+Decoded<Value> read(std::string_view text) {
     return JSONCoding::decoder().decode<Value>(text);
 }
 
 TEST(JSONRecordTest, writesAndReadsEveryField) {
-    Sample child = named("child");
-    child.words.clear();
-    const Sample sample{
-        "Bob",           5,      Shape::square, Colour::green, Circle{1.5}, {"a", "b"}, {Shape::round, Shape::square},
-        {{"x", Date()}}, {child}};
+    Sample sample{"Bob", 5, Shape::square, Colour::green, Circle{1.5}, {"a", "b"}, {}, {{"x", Date()}}, {named("c")}};
+    sample.shapes = {Shape::round, Shape::square};
     const auto text = JSONCoding::encoder(JSONLayout::compact).encode(sample);
-    EXPECT_EQ(text,
-              R"({"children":[{"children":[],"colour":"red","dates":{},"figure":{"type":"nothing"},"name":"child",)"
-              R"("shape":"round","shapes":[],"words":[]}],"colour":"green","dates":{"x":"1970-01-01T00:00:00.000Z"},)"
-              R"("figure":{"radius":1.5,"type":"circle"},"name":"Bob","shape":"square","shapes":["round","square"],)"
-              R"("size":5,"words":["a","b"]})");
+    EXPECT_EQ(
+        text,
+        R"({"children":[{"children":[],"colour":"red","dates":{},"figure":{"type":"nothing"},"name":"c",)"
+        R"("shape":"round","shapes":[],"words":["default"]}],"colour":"green","dates":{"x":"1970-01-01T00:00:00.000Z"},)"
+        R"("figure":{"radius":1.5,"type":"circle"},"name":"Bob","shape":"square","shapes":["round","square"],)"
+        R"("size":5,"words":["a","b"]})");
     EXPECT_EQ(read(*text), sample);
 }
 
 TEST(JSONRecordTest, readsAbsentAndUnreadableFieldsAsEachFieldSays) {
-    const Sample least = named("Bob");
-    EXPECT_EQ(read(R"({"name":"Bob"})"), least);
-    EXPECT_EQ(read(R"({"name":"Bob","size":null,"shape":null,"words":null,"dates":null,"else":1})"), least);
-    EXPECT_EQ(read(R"({"name":"Bob","words":"a"})"), least);
-    EXPECT_EQ(read(R"({"name":"Bob","words":["a",1]})"), least);
-    EXPECT_EQ(read(R"({"name":"Bob","dates":[]})"), least);
+    for (const char* text : {R"({"name":"Bob"})", R"({"name":"Bob","words":["a",1]})", R"({"name":"Bob","dates":[]})",
+                             R"({"name":"Bob","size":null,"shape":null,"words":null,"dates":null,"else":1})"})
+        EXPECT_EQ(read(text), named("Bob")) << text;
     EXPECT_EQ(read(R"({"name":"Bob","colour":"blue"})")->colour, Colour::unknown);
     EXPECT_EQ(read(R"({"name":"Ann"})")->name, "Anna");
     const auto some =
         read(R"({"name":"Bob","shapes":["oval","square",3],"dates":{"a":"x","b":"1970-01-01T00:00:00Z"}})");
     EXPECT_EQ(some->shapes, std::set{Shape::square});
     EXPECT_EQ(some->dates, (std::map<std::string, Date>{{"b", Date()}}));
-}
-
-TEST(JSONRecordTest, refusesKeysThatItDoesNotKnowWhereARecordSaysSo) {
-    EXPECT_TRUE(readOne<Closed>(R"({"name":"A","figure":{"type":"circle","radius":1}})"));
-    for (const char* text : {R"({"name":"A","figure":{"type":"nothing"},"else":1})",
-                             R"({"name":"A","figure":{"type":"nothing"},"type":1})",
-                             R"({"name":"A","figure":{"type":"nothing","else":1}})",
-                             R"({"name":"A","figure":{"type":"circle","radius":1,"else":null}})"}) {
-        EXPECT_FALSE(readOne<Closed>(text)) << text;
-    }
 }
 
 TEST(JSONRecordTest, saysWhatIsWrongAndWhere) {
@@ -156,10 +123,8 @@ TEST(JSONRecordTest, saysWhatIsWrongAndWhere) {
         {R"({"name":"Bob","size":1.5})", "size: 1.5 is not a whole number that fits here."},
         {R"({"name":"Bob","size":9223372036854775808})", "size: 9223372036854775808 does not fit here."},
         {R"({"name":"Bob","shape":"oval"})", R"(shape: "oval" is not a known word here.)"},
-        {R"({"name":"Bob","colour":3})", "colour: Expected a string, found a number."},
         {R"({"name":"Bob","figure":{}})", R"(figure: The key "type" is missing.)"},
         {R"({"name":"Bob","figure":{"type":3}})", "figure.type: Expected a string, found a number."},
-        {R"({"name":"Bob","figure":{"type":"line"}})", R"(figure: "line" is not a known word here.)"},
         {R"({"name":"Bob","figure":{"type":"circle","radius":true}})",
          "figure.radius: Expected a number, found a boolean."},
         {R"({"name":"Bob","children":[{"name":"A"},{"name":2}]})",
@@ -173,20 +138,18 @@ TEST(JSONRecordTest, saysWhatIsWrongAndWhere) {
 }
 
 TEST(JSONRecordTest, readsWholeNumbersHoweverTheyAreWritten) {
-    EXPECT_EQ(readOne<int>("1.20e1"), 12);
-    EXPECT_EQ(readOne<int>("-0"), 0);
-    EXPECT_EQ(readOne<std::int32_t>("-2147483648"), INT32_MIN);
-    EXPECT_EQ(readOne<std::uint64_t>("18446744073709551615"), UINT64_MAX);
-    EXPECT_EQ(readOne<std::uint64_t>("0.18446744073709551615e20"), UINT64_MAX);
-    EXPECT_EQ(encodeJSON(UINT64_MAX), JSONValue(JSONDecimal{"18446744073709551615"}));
+    EXPECT_EQ(read<int>("1.20e1"), 12);
+    EXPECT_EQ(read<int>("-0"), 0);
+    EXPECT_EQ(read<std::int32_t>("-2147483648"), INT32_MIN);
+    EXPECT_EQ(read<std::uint64_t>("18446744073709551615"), UINT64_MAX);
+    EXPECT_EQ(read<std::uint64_t>("0.18446744073709551615e20"), UINT64_MAX);
     for (const auto* text : {"2147483648", "1e400", "1e20", "0.5", "1e-1", "true", "\"1\"", "1e9999999999999999999"})
-        EXPECT_FALSE(readOne<std::int32_t>(text)) << text;
-    EXPECT_FALSE(readOne<std::uint64_t>("-1"));
-    EXPECT_EQ(readOne<double>("0.1000000000000000055511151231257827"), 0.1);
-    EXPECT_EQ(readOne<double>("1.0"), 1.0);
-    EXPECT_EQ(readOne<double>("1e-400"), 0.0);
-    EXPECT_EQ(readOne<double>("2.4703282292062328e-324"), 5e-324);
-    EXPECT_FALSE(readOne<double>("1e400"));
+        EXPECT_FALSE(read<std::int32_t>(text)) << text;
+    EXPECT_FALSE(read<std::uint64_t>("-1"));
+    EXPECT_EQ(read<double>("0.1000000000000000055511151231257827"), 0.1);
+    EXPECT_EQ(read<double>("1e-400"), 0.0);
+    EXPECT_EQ(read<double>("2.4703282292062328e-324"), 5e-324);
+    EXPECT_FALSE(read<double>("1e400"));
 }
 
 TEST(JSONRecordTest, keepsPathsThatAreNotUTF8) {
@@ -195,15 +158,15 @@ TEST(JSONRecordTest, keepsPathsThatAreNotUTF8) {
         const std::filesystem::path path(bytes);
         const auto text = JSONCoding::encoder(JSONLayout::compact).encode(path);
         ASSERT_TRUE(text);
-        EXPECT_EQ(readOne<std::filesystem::path>(*text), path) << *text;
+        EXPECT_EQ(read<std::filesystem::path>(*text), path) << *text;
     }
     EXPECT_EQ(encodeJSON(std::filesystem::path("a\xFF")), JSONValue("a\0ff"s));
-    EXPECT_FALSE(readOne<std::filesystem::path>(R"("a\u0000b")"));
+    EXPECT_FALSE(read<std::filesystem::path>(R"("a\u0000b")"));
 }
 
 TEST(JSONRecordTest, namesWhatIsNoDateOrIdentifier) {
-    EXPECT_EQ(readOne<Date>("\"yesterday\"").error().description, "Not an ISO 8601 date: yesterday");
-    EXPECT_EQ(readOne<Uuid>("\"1\"").error().description, "Not a UUID: 1");
+    EXPECT_EQ(read<Date>("\"yesterday\"").error().description, "Not an ISO 8601 date: yesterday");
+    EXPECT_EQ(read<Uuid>("\"1\"").error().description, "Not a UUID: 1");
     const Uuid id = Uuid::random();
     EXPECT_EQ(decodeJSON<Uuid>(encodeJSON(id)), id);
 }

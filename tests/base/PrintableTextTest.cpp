@@ -8,11 +8,8 @@ namespace vostrel {
 namespace {
 
 TEST(PrintableTextTest, keepsNamesFromBreakingLinesAndSteeringTheTerminal) {
-    struct Row {
-        std::string text, shown;
-    };
-    const Row rows[] = {
-        {"plain name.txt", "plain name.txt"},
+    using namespace std::string_literals;
+    const std::pair<std::string, const char*> table[] = {
         {"Übergrößen 日本 👩‍👩‍👧", "Übergrößen 日本 👩‍👩‍👧"},
         {"two\nlines\r\tand a tab", "two\\nlines\\r\\tand a tab"},
         {"\x1b[2Jgone\x7f", "\\x1b[2Jgone\\x7f"},
@@ -20,17 +17,15 @@ TEST(PrintableTextTest, keepsNamesFromBreakingLinesAndSteeringTheTerminal) {
         {"cut \xe6\x97", "cut \\xe6\\x97"},
         {"photo\u202Egnp.exe", "photo\\u{202e}gnp.exe"},
         {"line\u2028separator \u0085", "line\\u{2028}separator \\u{85}"},
-        {std::string("nul\0byte", 8), "nul\\x00byte"},
+        {"nul\0byte"s, "nul\\x00byte"},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(printable(row.text), row.shown);
+    for (const auto& [text, shown] : table)
+        EXPECT_EQ(printable(text), shown);
 }
 
 TEST(PrintableTextTest, countsTheColumnsOfATerminal) {
-    EXPECT_EQ(columns("plain"), 5U);
-    EXPECT_EQ(columns("über"), 4U);
-    EXPECT_EQ(columns("u\u0308ber"), 4U);
-    EXPECT_EQ(columns("日本"), 4U);
+    for (const char* text : {"über", "u\u0308ber", "日本"})
+        EXPECT_EQ(columns(text), 4U) << text;
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 The program has no option that sets its clock: a test that needs old files runs it under faketime, so many days ahead.
 """
 
+import contextlib
+import dataclasses
 import json
 import os
 import pathlib
@@ -15,16 +17,15 @@ import unittest
 PROGRAM = os.environ["VOSTREL_PROGRAM"]
 
 
+@dataclasses.dataclass
 class Result:
-    def __init__(self, status, out, err):
-        self.status, self.out, self.err = status, out, err
+    status: int
+    out: str
+    err: str
 
     @property
     def document(self):
         return json.loads(self.out)
-
-    def __repr__(self):
-        return f"status {self.status}\n--- out\n{self.out}\n--- err\n{self.err}"
 
 
 class ProgramTest(unittest.TestCase):
@@ -34,10 +35,11 @@ class ProgramTest(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vostrel-test-")).resolve()
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
         self.home = self.folder / "home"
+        self.downloads = self.home / "Downloads"
         self.data = self.home / ".local/share/vostrel"
         # A folder that others may write to is never cleaned.
         self.addCleanup(os.umask, os.umask(0o022))
-        self.home.mkdir()
+        self.downloads.mkdir(parents=True)
 
     def make(self, path, size=10, text=None):
         """A file in the home, and the folders above it."""
@@ -60,8 +62,7 @@ class ProgramTest(unittest.TestCase):
 
     def succeed(self, *arguments, **options):
         result = self.run_program(*arguments, **options)
-        self.assertEqual(result.status, 0, result)
-        self.assertEqual(result.err, "", result)
+        self.assertEqual((result.status, result.err), (0, ""), result)
         return result
 
     def document(self, *arguments, **options):
@@ -70,36 +71,27 @@ class ProgramTest(unittest.TestCase):
     def refuse(self, *arguments, status=1, **options):
         """Runs what must fail, for people and as JSON, and returns the lines of standard error."""
         spoken = self.run_program(*arguments, **options)
-        self.assertEqual(spoken.status, status, spoken)
-        self.assertEqual(spoken.out, "", spoken)
+        self.assertEqual((spoken.status, spoken.out), (status, ""), spoken)
         written = self.run_program("--json", *arguments, **options)
-        self.assertEqual(written.status, status, written)
-        self.assertEqual(written.err, spoken.err, written)
+        self.assertEqual((written.status, written.err), (status, spoken.err), written)
         self.assertEqual(written.document["error"] + "\n", spoken.err, written)
         return spoken.err.splitlines()
 
     def on_terminal(self, *arguments, environment=None):
         """What the program writes when standard output and standard error are one terminal."""
         ours, theirs = pty.openpty()
-        program = subprocess.Popen(
-            [PROGRAM, "--home", self.home, *arguments],
-            stdout=theirs,
-            stderr=theirs,
-            env=os.environ | {"TERM": "xterm"} | (environment or {}),
-        )
+        subprocess.run([PROGRAM, "--home", self.home, *arguments], stdout=theirs, stderr=theirs, check=False,
+                       env=os.environ | {"TERM": "xterm"} | (environment or {}))
         os.close(theirs)
         written = b""
-        while True:
-            try:
-                piece = os.read(ours, 65536)
-            except OSError:
-                break
-            if not piece:
-                break
-            written += piece
-        program.wait()
+        with contextlib.suppress(OSError):  # as Linux says that nobody writes any more
+            while piece := os.read(ours, 65536):
+                written += piece
         os.close(ours)
         return written.decode()
+
+    def add(self, name, *options):
+        return self.document("rule", "add", name, "--folder", self.downloads, *options)
 
     def rules_file(self):
         return json.loads((self.data / "rules.json").read_text())
@@ -107,8 +99,6 @@ class ProgramTest(unittest.TestCase):
 
 def tree_of(folder):
     """Every entry below the folder with what tells whether it was touched: to be compared before and after."""
-    entries = {}
-    for path in sorted(pathlib.Path(folder).rglob("*")):
-        facts = path.lstat()
-        entries[str(path)] = (facts.st_ino, facts.st_mode, facts.st_size, facts.st_mtime_ns, facts.st_ctime_ns)
-    return entries
+    entries = {path: path.lstat() for path in pathlib.Path(folder).rglob("*")}
+    return {path: (facts.st_ino, facts.st_mode, facts.st_size, facts.st_mtime_ns, facts.st_ctime_ns)
+            for path, facts in entries.items()}

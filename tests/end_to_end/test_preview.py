@@ -17,49 +17,30 @@ LATER = 40
 
 def blocks_of(paths):
     """The disk's own count of what lies at these paths, hard links once; folders and links hold nothing."""
-    seen = {}
-    for path in map(pathlib.Path, paths):
-        inside = path.rglob("*") if path.is_dir() and not path.is_symlink() else []
-        for entry in [path, *inside]:
-            facts = entry.lstat()
-            if not stat.S_ISDIR(facts.st_mode) and not stat.S_ISLNK(facts.st_mode):
-                seen[facts.st_dev, facts.st_ino] = facts.st_blocks * 512
-    return sum(seen.values())
+    entries = [entry.lstat() for path in map(pathlib.Path, paths) for entry in (path, *path.rglob("*"))]
+    return sum({facts.st_ino: facts.st_blocks * 512 for facts in entries if stat.S_ISREG(facts.st_mode)}.values())
 
 
 class PreviewTest(ProgramTest):
-    def setUp(self):
-        super().setUp()
-        self.downloads = self.home / "Downloads"
-        self.downloads.mkdir()
-
-    def add(self, *options, name="Old"):
-        return self.document("rule", "add", name, "--folder", self.downloads, *options)
-
     def preview(self, *options, rule="Old", days_ahead=LATER):
         return self.document("preview", rule, *options, days_ahead=days_ahead)
 
-    def names(self, plan, key="items"):
-        return sorted(str(pathlib.Path(each["path"]).relative_to(self.downloads)) for each in plan[key])
+    def names(self, plan):
+        return sorted(str(pathlib.Path(each["path"]).relative_to(self.downloads)) for each in plan["items"])
 
     def fill(self):
-        self.make("Downloads/film.mkv", 3_000_000)
-        self.make("Downloads/small.txt", 10)
-        self.make("Downloads/project/src/main.c", 5_000)
-        self.make("Downloads/project/model.bin", 700_000)
+        for path, size in (("film.mkv", 3_000_000), ("small.txt", 10), ("project/src/main.c", 5_000),
+                           ("project/model.bin", 700_000), ("taxes/2019.pdf", 1_000), ("my.key", 1_000),
+                           ("taxes/deep/er/secret.key", 1_000), ("Wedding.photoslibrary/database", 1_000)):
+            self.make(f"Downloads/{path}", size)
         os.link(self.downloads / "project/model.bin", self.downloads / "project/again.bin")
         os.link(self.downloads / "project/model.bin", self.home / "outside.bin")
-        self.make("Downloads/taxes/2019.pdf", 1_000)
-        self.make("Downloads/taxes/deep/er/secret.key", 1_000)
-        self.make("Downloads/my.key", 1_000)
-        self.make("Downloads/Wedding.photoslibrary/database", 1_000)
         (self.downloads / "link").symlink_to("/etc")
         (self.downloads / "project/link").symlink_to("/etc/passwd")
-        self.make("Documents/letter", 1_000)
 
     def test_a_preview_is_true_and_changes_nothing(self):
         self.fill()
-        rule = self.add("--exclude", "*.key")
+        rule = self.add("Old", "--exclude", "*.key")
         before = tree_of(self.downloads)
         plan = self.preview()
         self.assertEqual(self.names(plan), ["film.mkv", "project", "small.txt"])
@@ -74,20 +55,15 @@ class PreviewTest(ProgramTest):
         self.assertEqual((root["path"], root["inode"]), (str(self.downloads), self.downloads.stat().st_ino))
         self.assertEqual(tree_of(self.downloads), before)
         self.assertEqual(self.rules_file()["rules"], [rule])
-
         shown = self.succeed("preview", "Old", days_ahead=LATER).out
         for words in ("Would go to the Trash", "~/Downloads/film.mkv", "3.0 MB", "3.7 MB in all: 3 items",
                       "1 item that is a link", "1 item holding names you excluded",
                       "Vostrel never cleans photo, music or video libraries, disk images or backups."):
             self.assertIn(words, shown)
 
-    def test_what_changed_just_now_stays(self):
-        self.fill()
-        self.add("--exclude", "*.key")
         plan = self.preview(days_ahead=None)
-        self.assertEqual(plan["items"], [])
-        self.assertEqual({each["reason"] for each in plan["skipped"]},
-                         {"tooRecent", "symlink", "containsExcluded", "protected"})
+        self.assertEqual((plan["items"], {each["reason"] for each in plan["skipped"]}),
+                         ([], {"tooRecent", "symlink", "containsExcluded", "protected"}))
         self.assertIn("Nothing would go now.", self.succeed("preview", "Old").out)
 
     def test_filters_and_scopes_choose_the_items(self):
@@ -102,18 +78,15 @@ class PreviewTest(ProgramTest):
         ]
         for options, expected in cases:
             with self.subTest(options=options):
-                rule = self.add(*options)
+                rule = self.add("Old", *options)
                 self.assertEqual(self.names(self.preview(rule=rule["id"])), expected)
 
     def test_an_approval_lasts_as_long_as_rule_and_folder(self):
         self.fill()
-        self.add("--older-than", "30", "--daily", "09:05")
+        self.add("Old", "--older-than", "30", "--daily", "09:05")
         self.assertTrue(self.preview("--approve")["approved"])
         self.assertTrue(self.preview()["approved"])
-        (stored,) = self.rules_file()["rules"]
-        self.assertEqual(stored["approval"]["roots"][0]["inode"], self.downloads.stat().st_ino)
         self.assertIn("approved", self.succeed("rule", "list").out)
-
         self.downloads.rename(self.home / "moved away")
         shutil.copytree(self.home / "moved away", self.downloads, symlinks=True)
         self.assertFalse(self.preview()["approved"])
@@ -127,42 +100,28 @@ class PreviewTest(ProgramTest):
         self.assertIn("Approved", self.succeed(*shlex.split(advice)[1:-2]).out)
 
     def test_only_a_rule_that_runs_by_itself_is_said_to(self):
-        self.fill()
-        cases = [
-            ("hand", [], "has no trigger"),
-            ("off", ["--end-of-day", "--disabled"], "disabled"),
-            ("daily", ["--daily", "09:05"], "may do this by itself"),
-        ]
-        for name, options, words in cases:
-            self.add(*options, name=name)
-            shown = self.succeed("preview", name, "--approve", days_ahead=LATER).out
+        for options, words in (([], "has no trigger"), (["--end-of-day", "--disabled"], "disabled"),
+                               (["--daily", "09:05"], "may do this by itself")):
+            rule = self.add("Old", *options)
+            shown = self.succeed("preview", rule["id"], "--approve", days_ahead=LATER).out
             self.assertIn(words, shown.splitlines()[-1])
 
     def test_a_folder_that_cannot_be_trusted_ends_the_preview(self):
-        self.add()
-        other = self.home / "other"
-        other.mkdir()
-
-        def is_file():
-            self.downloads.rmdir()
-            self.downloads.touch()
-
-        failures = [
-            (lambda: self.downloads.chmod(0o775), "is not a folder only you can change"),
-            (lambda: (self.downloads.chmod(0o755), is_file()), "The rule points at a file, not a folder."),
-            (self.downloads.unlink, "The folder does not exist, or the rule has no folder."),
-        ]
-        for arrange, words in failures:
+        self.add("Old")
+        for arrange, words in (
+                (lambda: self.downloads.chmod(0o775), "is not a folder only you can change"),
+                (lambda: (self.downloads.rmdir(), self.downloads.touch()), "The rule points at a file, not a folder."),
+                (self.downloads.unlink, "The folder does not exist, or the rule has no folder.")):
             arrange()
             (sentence,) = self.refuse("preview", "Old")
             self.assertIn(words, sentence)
 
     def test_a_rule_that_got_into_the_file_by_hand_is_held_to_the_guards(self):
-        rule = self.add()
+        rule = self.add("Old")
         (self.home / "Documents").mkdir()
         (self.home / "way").symlink_to("Documents")
         for folder in ("/", "/usr/share", str(self.home), str(self.home / "Documents"), str(self.home / "way"),
-                       str(self.home / ".."), f"{self.downloads}/../Documents", "Downloads", ""):
+                       f"{self.downloads}/../Documents", "Downloads", ""):
             rule["target"]["path"] = folder
             (self.data / "rules.json").write_text(json.dumps({"rules": [rule], "schedule": {"lastRun": {}}}))
             with self.subTest(folder=folder):
@@ -174,7 +133,7 @@ class PreviewTest(ProgramTest):
     def test_odd_names_are_shown_safely_and_written_whole(self):
         with open(os.fsencode(self.downloads) + b"/bad\xff\x1b[31m", "wb") as file:
             file.write(b"x" * 2_000_000)
-        self.add()
+        self.add("Old")
         self.assertIn(r"~/Downloads/bad\xff\x1b[31m", self.succeed("preview", "Old", days_ahead=LATER).out)
         (item,) = self.preview()["items"]
         self.assertEqual(item["path"], f"{self.downloads}/bad\0ff\x1b[31m")
@@ -182,17 +141,16 @@ class PreviewTest(ProgramTest):
     def test_a_long_list_is_cut_for_people_only(self):
         for number in range(30):
             self.make(f"Downloads/{number:02}", 1_000_000 + number * 10_000)
-        self.add()
+        self.add("Old")
         shown = self.succeed("preview", "Old", days_ahead=LATER).out
-        self.assertIn("and 10 more", shown)
-        self.assertIn("30 items", shown)
-        self.assertIn("~/Downloads/29", shown)
+        for words in ("and 10 more", "30 items", "~/Downloads/29"):
+            self.assertIn(words, shown)
         self.assertNotIn("~/Downloads/09", shown)
         self.assertEqual(len(self.preview()["items"]), 30)
 
     @unittest.skipUnless(os.path.isdir("/proc/self/fd"), "tells by /proc when the program waits")
     def test_waiting_for_another_program_can_be_stopped(self):
-        self.add()
+        self.add("Old")
         with open(self.data / "state.lock", "w", encoding="utf-8") as lock:
             fcntl.flock(lock, fcntl.LOCK_EX)
             for request in (signal.SIGINT, signal.SIGTERM):

@@ -15,14 +15,6 @@ UNREADABLE = """[
 
 
 class RulesTest(ProgramTest):
-    def setUp(self):
-        super().setUp()
-        self.downloads = self.home / "Downloads"
-        self.downloads.mkdir()
-
-    def add(self, name, *options):
-        return self.document("rule", "add", name, "--folder", self.downloads, *options)
-
     def names(self):
         return [rule["name"] for rule in self.document("rule", "list")["rules"]]
 
@@ -75,39 +67,27 @@ class RulesTest(ProgramTest):
             self.assertEqual(rule["target"]["path"], str(self.downloads), given)
 
     def test_every_problem_is_said_and_nothing_saved(self):
+        here = ["--folder", self.downloads]
         problems = [
-            ([" ", "--folder", self.downloads], ["Give the rule a name."]),
-            (["A", "--preset", "no-such"], "This preset is not available in this version of Vostrel."),
-            (["A", "--folder", ""], "Choose a folder."),
-            (["A", "--folder", self.home], None),
-            (["A", "--folder", "/usr/share"], None),
-            (["A", "--folder", "/"], None),
-            (["A", "--folder", self.downloads, "--daily", "24:00"], "A run time is not a time of day."),
-            (["A", "--folder", self.downloads, "--weekly", "8@09:00"],
-             "A weekly run has a day that does not exist."),
-            (["A", "--folder", self.downloads, "--include", ""], ["A pattern cannot be empty."]),
-            (["A", "--folder", self.downloads, "--exclude=a/b"], None),
+            ([" ", *here, "--include", "a/b", "--daily", "24:00", "--weekly", "8@09:00"],
+             ["Give the rule a name.", "Name patterns match file names only, so they cannot contain \"/\": a/b",
+              "A run time is not a time of day.", "A weekly run has a day that does not exist."]),
+            (["A", "--preset", "no-such"], ["This preset is not available in this version of Vostrel."]),
+            (["A", "--folder", ""], ["Choose a folder."]),
+            (["A", "--projects", "/a", "/a", "--untouched-days", "4000"],
+             ["A code folder is listed twice.", "Choose at least one kind of folder to remove.",
+              "Untouched days must be between 1 and 3650."]),
             (["A", "--projects", self.home / "Library/Code", "--kinds", "target", "--untouched-days", "30"],
-             "Vostrel does not look for projects inside ~/Library, where apps keep their own files."),
-            (["", "--projects", "/a", "/a", "--untouched-days", "4000", "--min-size", "1MB"], [
-                "A code folder is listed twice.", "Choose at least one kind of folder to remove.",
-                "Give the rule a name.", "Untouched days must be between 1 and 3650.",
-                "A project scan picks projects by how long they have been untouched, so it has no age, size or name "
-                "filters."]),
+             ["Vostrel does not look for projects inside ~/Library, where apps keep their own files."]),
         ]
         for arguments, expected in problems:
-            with self.subTest(arguments=arguments):
-                found = self.refuse("rule", "add", *arguments)
-                if isinstance(expected, list):
-                    self.assertLessEqual(set(expected), set(found))
-                elif expected is not None:
-                    self.assertEqual(found, [expected])
-                for sentence in found:
-                    self.assertRegex(sentence, r"\.$|: a/b$")
+            self.assertEqual(self.refuse("rule", "add", *arguments), expected)
+        for folder in (self.home, "/usr/share", "/"):
+            self.assertRegex(self.refuse("rule", "add", "A", "--folder", folder)[0], r"\.$")
         self.assertFalse((self.data / "rules.json").exists())
 
     def test_rules_are_found_by_id_its_beginning_and_name(self):
-        ids = {self.add(name)["id"]: name for name in ("First", "Second", "second", "Üben")}
+        ids = {self.add(name)["id"]: name for name in ("First", "Second", "second", "Üben", "evil\x1b[2J\nname")}
         for identifier, name in ids.items():
             for wanted in (identifier, identifier.lower(), identifier[:12]):
                 self.assertEqual(self.document("rule", "show", wanted)["name"], name)
@@ -115,31 +95,27 @@ class RulesTest(ProgramTest):
         self.assertEqual(len(self.refuse("rule", "show", "SECOND")), 3)
         for nothing in ("", "third", "00000000-0000-4000-8000-000000000000"):
             self.assertEqual(self.refuse("rule", "show", nothing), [f'There is no rule "{nothing}".'])
+        self.assertIn(r"evil\x1b[2J\nname", self.succeed("rule", "list").out)
 
     def test_rules_move_and_go(self):
-        for name in "wxyz":
+        for name in "xyz":
             self.add(name)
-        for wanted, position, order in (("w", 3, "xywz"), ("z", 1, "zxyw"), ("x", 2, "zxyw"), ("z", 4, "xywz")):
+        for wanted, position, order in (("x", 2, "yxz"), ("z", 1, "zyx"), ("y", 2, "zyx"), ("z", 3, "yxz")):
             self.succeed("rule", "move", wanted, str(position))
             self.assertEqual("".join(self.names()), order)
-        for position in ("0", "5"):
-            self.refuse("rule", "move", "w", position)
-        self.assertEqual(self.document("rule", "remove", "y")["name"], "y")
-        self.assertEqual(self.names(), ["x", "w", "z"])
-        self.assertEqual(self.rules_file()["schedule"]["lastRun"], {})
+        for position in ("0", "4"):
+            self.refuse("rule", "move", "x", position)
+        self.assertEqual(self.document("rule", "remove", "x")["name"], "x")
+        self.assertEqual(self.names(), ["y", "z"])
 
     def test_an_enabled_rule_counts_from_now_on(self):
         rule = self.add("Daily", "--daily", "09:05", "--end-of-day", "--disabled")
         self.assertEqual(self.rules_file()["schedule"]["lastRun"], {})
-        before = datetime.datetime.now(datetime.timezone.utc)
+        before = datetime.datetime.now(datetime.timezone.utc).isoformat(timespec="milliseconds")
         self.assertTrue(self.document("rule", "enable", "Daily")["enabled"])
         counted = self.rules_file()["schedule"]["lastRun"]
         self.assertEqual(set(counted), {rule["id"] + "/daily:09:05", rule["id"] + "/endOfDay"})
-        for date in counted.values():
-            self.assertGreaterEqual(datetime.datetime.fromisoformat(date[:23] + "+00:00"),
-                                    before - datetime.timedelta(milliseconds=1))
-        self.succeed("rule", "enable", "Daily")
-        self.assertEqual(self.rules_file()["schedule"]["lastRun"], counted)
+        self.assertGreaterEqual(min(counted.values())[:23], before[:23])
         self.assertFalse(self.document("rule", "disable", "Daily")["enabled"])
 
     def test_a_rule_is_checked_against_the_disk_as_it_is_now(self):
@@ -161,13 +137,11 @@ class RulesTest(ProgramTest):
         self.assertIn("2 rules could not be read", shown)
         self.assertIn("From the future", shown)
         stored = (self.data / "rules.json").read_text()
-        for verbatim in ("1e400", "18446744073709551616", "1.0", '"shred"', '"since" : 7'):
-            self.assertIn(verbatim.replace(" ", ""), stored.replace(" ", ""))
-        unreadable = self.document("rule", "list")["unreadable"]
-        self.assertEqual(unreadable, json.loads(UNREADABLE))
+        for verbatim in ("1e400", "18446744073709551616", "1.0", '"since": 7'):
+            self.assertIn(verbatim, stored)
+        self.assertEqual(self.document("rule", "list")["unreadable"], json.loads(UNREADABLE))
         self.assertEqual(self.document("rule", "discard-unreadable"), {"discarded": 2})
-        self.assertEqual(self.document("rule", "list")["unreadable"], [])
-        self.assertEqual(self.names(), ["New"])
+        self.assertEqual((self.document("rule", "list")["unreadable"], self.names()), ([], ["New"]))
 
     def test_a_damaged_rule_book_is_moved_aside_and_said_so(self):
         self.write_rules('{"rules": [')
@@ -175,8 +149,8 @@ class RulesTest(ProgramTest):
         self.assertEqual((result.status, result.document), (0, {"rules": [], "unreadable": []}))
         (aside,) = self.data.glob("rules.corrupt-*.json")
         self.assertEqual(aside.read_text(), '{"rules": [')
-        self.assertIn(aside.name, result.err)
-        self.assertEqual(len(result.err.splitlines()), 1)
+        (notice,) = result.err.splitlines()
+        self.assertIn(aside.name, notice)
         self.succeed("rule", "list")
 
     def test_nothing_is_saved_over_a_damaged_rule_book_that_could_not_be_moved(self):
@@ -210,12 +184,6 @@ class RulesTest(ProgramTest):
         with concurrent.futures.ThreadPoolExecutor(6) as pool:
             list(pool.map(self.add, names))
         self.assertCountEqual(self.names(), names)
-
-    def test_names_cannot_steer_the_terminal(self):
-        self.add("evil\x1b[2J\nname")
-        shown = self.succeed("rule", "list").out
-        self.assertIn(r"evil\x1b[2J\nname", shown)
-        self.assertEqual(self.names(), ["evil\x1b[2J\nname"])
 
 
 if __name__ == "__main__":

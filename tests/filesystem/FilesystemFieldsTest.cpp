@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <limits>
 
 #include "filesystem/FilesystemFields.h"
@@ -9,11 +10,6 @@ namespace vostrel {
 namespace {
 
 template <class Value>
-std::string written(const Value& value) {
-    return JSONCoding::encoder(JSONLayout::compact).encode(value).value();
-}
-
-template <class Value>
 Decoded<Value> read(std::string_view text) {
     return JSONCoding::decoder().decode<Value>(text);
 }
@@ -21,11 +17,11 @@ Decoded<Value> read(std::string_view text) {
 /// The value is written as this text, and read from it again.
 template <class Value>
 void expectStored(const Value& value, std::string_view text) {
-    EXPECT_EQ(written(value), text);
+    EXPECT_EQ(JSONCoding::encoder(JSONLayout::compact).encode(value), text);
     EXPECT_EQ(read<Value>(text), value) << text;
 }
 
-TEST(FilesystemFieldsTest, storesIdentitiesAndMeasurements) {
+TEST(FilesystemFieldsTest, storesIdentitiesAndMeasurementsThatAreNotNegative) {
     expectStored(FileIdentity{-5, std::numeric_limits<std::uint64_t>::max()},
                  R"({"device":-5,"inode":18446744073709551615})");
     expectStored(RootIdentity{"A-B", 7}, R"({"inode":7,"volumeUUID":"A-B"})");
@@ -38,15 +34,21 @@ TEST(FilesystemFieldsTest, storesIdentitiesAndMeasurements) {
                          R"("stopped":true,"unreadableFolders":3,"unreadableReason":"tooDeep"})");
     expectStored(MeasuredSize(totals), R"({"bytes":1,"files":2,"leftOutLibraries":4,"stopped":true,)"
                                        R"("unreadableFolders":3,"unreadableReason":"tooDeep"})");
-    expectStored(MeasuredSize(), R"({"bytes":0,"files":0,"leftOutLibraries":0,"stopped":false,"unreadableFolders":0})");
-}
-
-TEST(FilesystemFieldsTest, refusesNegativeSizesAndCounts) {
-    const std::string sound = written(MeasuredSize());
+    const std::string sound = R"({"bytes":0,"files":0,"leftOutLibraries":0,"stopped":false,"unreadableFolders":0})";
+    expectStored(MeasuredSize(), sound);
     for (const std::string key : {"bytes", "files", "leftOutLibraries", "unreadableFolders"}) {
         std::string text = sound;
         text.insert(text.find("\"" + key + "\":") + key.size() + 3, "-1");
         EXPECT_EQ(read<MeasuredSize>(text).error().description, MeasuredSize::DecodeError::negative) << text;
+    }
+}
+
+TEST(FilesystemFieldsTest, tellsTheReasonFromTheSystemsError) {
+    using enum UnreadableReason;
+    for (const bool fullDiskAccess : {false, true}) {
+        EXPECT_EQ(unreadableReasonOf(EACCES, fullDiskAccess), noPermission);
+        EXPECT_EQ(unreadableReasonOf(EPERM, fullDiskAccess), fullDiskAccess ? couldNotRead : needsFullDiskAccess);
+        EXPECT_EQ(unreadableReasonOf(EDEADLK, fullDiskAccess), couldNotRead);
     }
 }
 

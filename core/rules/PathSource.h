@@ -27,7 +27,13 @@ struct ScreenshotFolderSource {
     friend bool operator==(const ScreenshotFolderSource&, const ScreenshotFolderSource&) = default;
 };
 
+/// What lies in the home Trash of a Linux desktop, which keeps the date that each item came in beside it.
+struct HomeTrashSource {
+    friend bool operator==(const HomeTrashSource&, const HomeTrashSource&) = default;
+};
+
 /// Where a preset's folders are.
-using PathSource = std::variant<HomeSource, UserTempSource, XcodeDerivedDataSource, ScreenshotFolderSource>;
+using PathSource =
+    std::variant<HomeSource, UserTempSource, XcodeDerivedDataSource, ScreenshotFolderSource, HomeTrashSource>;
 
 }  // namespace vostrel

@@ -7,13 +7,14 @@
 #include "filesystem/AgeBasis.h"
 #include "rules/CleanupAction.h"
 #include "rules/PathSource.h"
+#include "rules/Rule.h"
 #include "rules/RuleScope.h"
 #include "rules/RuleTrigger.h"
 
 namespace vostrel {
 
-/// A ready-made rule for one well-known kind of data that can be had again. Rules made from it are held to its folders,
-/// its names and scope, and to the Trash when it only trashes.
+/// A ready-made rule for one well-known kind of data. Rules made from it are held to its folders, its names, scope and
+/// age, and to the Trash when it only trashes.
 struct Preset {
     enum class Group { developer, appCaches, browsers, files };
 
@@ -26,25 +27,31 @@ struct Preset {
     std::string summary;
     std::string reason;
     std::vector<PathSource> sources;
-    /// Names that the preset cleans (all when there are none) and names that it keeps.
-    std::vector<std::string> namePatterns;
-    std::vector<std::string> excludePatterns;
+    /// Names of items that the preset cleans (all when there are none) and that it keeps; unlike a rule's patterns they
+    /// say nothing of what lies inside an item.
+    std::vector<std::string> namePatterns = {};
+    std::vector<std::string> excludePatterns = {};
     RuleScope scope = RuleScope::topLevelItems;
     bool trashOnly = false;
-    std::optional<int> minAgeDays;
+    std::optional<int> minAgeDays = {};
     AgeBasis ageBasis = AgeBasis::modified;
     CleanupAction action = CleanupAction::trash;
     /// The data comes back by itself.
     bool regenerable = false;
     /// Bundle identifiers of applications while which the preset's rules wait.
-    std::vector<std::string> pauseWhileRunning;
+    std::vector<std::string> pauseWhileRunning = {};
     bool largeRedownload = false;
     bool recommended = false;
-    std::vector<RuleTrigger> suggestedTriggers;
+    std::vector<RuleTrigger> suggestedTriggers = {};
+    /// Folders below the home in which the tool writes to an entry of the item's name whenever it is used: what it
+    /// wrote last counts for the item's age.
+    std::vector<std::string> usedBeside = {};
 
     /// Whether rules made from it may not list names to clean: it has patterns of its own, or cleans the screenshot
     /// folder, where only screenshots go.
     [[nodiscard]] bool decidesNames() const;
+    /// The rule that it is offered as: its own terms, with the triggers that it suggests.
+    [[nodiscard]] Rule draftRule(Date createdAt) const;
     /// Everything that decides what it cleans, as text.
     [[nodiscard]] std::string definition() const;
 

@@ -22,6 +22,8 @@ struct ResolvedRoot {
     bool trashOnly = false;
     /// A symbolic link leads to it.
     bool linked = false;
+    /// Its items arrived when their ".trashinfo" files say.
+    bool datedByTrashInfo = false;
     /// For a folder in the Desktop or Documents tree that the user named, or saves screenshots to.
     std::optional<GuardException> exception;
 

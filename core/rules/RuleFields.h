@@ -115,7 +115,7 @@ struct JSONFields<UserTempSource> {
 template <>
 struct JSONCases<PathSource> {
     static constexpr auto names =
-        std::to_array<std::string_view>({"home", "userTemp", "xcodeDerivedData", "screenshotFolder"});
+        std::to_array<std::string_view>({"home", "userTemp", "xcodeDerivedData", "screenshotFolder", "homeTrash"});
 };
 
 template <>

@@ -11,6 +11,9 @@ inline constexpr const char* negativeSize = "The size must be 0 bytes or more.";
 inline constexpr const char* presetNotAvailable = "This preset is not available in this version of Vostrel.";
 inline constexpr const char* presetOnlyTrashes =
     "This preset only moves items to the Trash, so its rules cannot delete permanently.";
+inline constexpr const char* derivedDataOnlyTrashes =
+    "Xcode keeps DerivedData in a folder chosen in its settings, so this rule can only move items to the Trash, not "
+    "delete them.";
 inline constexpr const char* presetDecidesNames =
     "This preset decides which names it cleans, so the rule cannot list names to clean. It can list names to keep.";
 inline constexpr const char* presetCleansEachItem =

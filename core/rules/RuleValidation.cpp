@@ -9,6 +9,7 @@
 #include "filesystem/PathGuards.h"
 #include "rules/FullPath.h"
 #include "rules/PresetCatalog.h"
+#include "rules/PresetLimits.h"
 #include "rules/Rule.h"
 #include "rules/RuleFields.h"
 #include "rules/RuleSentences.h"
@@ -54,7 +55,7 @@ void checkFolder(const FolderTarget& folder, Problems& problems) {
 void checkPreset(const PresetTarget& target, const Rule& rule, const PresetCatalog& catalog, Problems& problems) {
     const Preset* preset = catalog.preset(target.id);
     if (!preset) return problems.add(sentences::presetNotAvailable);
-    problems.addIf(preset->trashOnly && rule.action == CleanupAction::deletePermanently, sentences::presetOnlyTrashes);
+    if (auto problem = presetActionProblem(rule.action, *preset)) problems.add(std::move(*problem));
 }
 
 void checkProjectScan(const ProjectScanTarget& scan, const Rule& rule, const TargetResolver& resolver,
@@ -118,24 +119,20 @@ void checkPauseList(const Strings& list, Problems& problems) {
                    "An app to pause for is blank.");
 }
 
-void checkFilterOfPreset(const RuleFilter& filter, const Preset& preset, Problems& problems) {
-    problems.addIf(preset.decidesNames() && !filter.includeGlobs.empty(), sentences::presetDecidesNames);
-    problems.addIf(preset.scope == RuleScope::topLevelItems && filter.scope != preset.scope,
-                   sentences::presetCleansEachItem);
-    problems.addIf(preset.scope == RuleScope::allFiles && filter.scope != preset.scope,
-                   sentences::presetCleansAnyDepth);
-}
-
 /// A setting that cannot be read now is no fault of the rule; what the guards refuse will be refused every time.
-void checkRoots(const RuleTarget& target, const PathGuards& guards, const TargetResolver& resolver,
+void checkRoots(const Rule& rule, const PathGuards& guards, const TargetResolver& resolver,
                 const PresetCatalog& catalog, Problems& problems) {
-    const auto roots = resolver.resolve(target, catalog);
+    const bool isOfPreset = std::holds_alternative<PresetTarget>(rule.target);
+    const auto roots = resolver.resolve(rule.target, catalog);
     if (!roots) {
         problems.addIf(roots.error().kind == ResolveError::Kind::protectedRoot, roots.error().sentence);
         return;
     }
     for (const ResolvedRoot& root : *roots) {
         if (auto refusal = guards.refusalForRoot(root.url, root.exception)) problems.add(std::move(*refusal));
+        if (!isOfPreset) continue;
+        auto problem = rootActionProblem(rule.action, root, guards.displayPath(root.url));
+        if (problem) problems.add(std::move(*problem));
     }
 }
 
@@ -162,10 +159,11 @@ Strings Rule::validationProblems(const PathGuards& guards, const TargetResolver&
     checkPauseList(pauseWhileRunning, problems);
     for (const std::string& problem : filter.chosenFilesProblems())
         problems.add(problem);
-    if (const auto* preset = std::get_if<PresetTarget>(&target)) {
-        if (const Preset* known = catalog.preset(preset->id)) checkFilterOfPreset(filter, *known, problems);
+    if (const Preset* preset = catalog.presetOf(target)) {
+        for (std::string& problem : presetFilterProblems(filter, *preset))
+            problems.add(std::move(problem));
     }
-    checkRoots(target, guards, resolver, catalog, problems);
+    checkRoots(*this, guards, resolver, catalog, problems);
     problems.addIf(!survivesStoring(*this), "This rule could not be saved in a form Vostrel can read back.");
     return std::move(problems.sentences);
 }

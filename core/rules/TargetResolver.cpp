@@ -36,7 +36,11 @@ TargetResolver::TargetResolver(fs::path itsHome, const DefaultsReading& itsDefau
 TargetResolver::Roots TargetResolver::resolve(const RuleTarget& target, const PresetCatalog& catalog) const {
     return visit(
         target, [&](const FolderTarget& folder) { return resolveFolder(folder); },
-        [&](const PresetTarget& preset) { return resolvePreset(preset, catalog); },
+        [&](const PresetTarget& named) -> Roots {
+            const Preset* preset = catalog.preset(named.id);
+            if (!preset) return refused(Kind::presetUnknown, sentences::presetNotAvailable);
+            return resolve(*preset);
+        },
         [&](const ProjectScanTarget& scan) { return resolveProjectScan(scan); });
 }
 
@@ -55,15 +59,13 @@ TargetResolver::Roots TargetResolver::resolveProjectScan(const ProjectScanTarget
     return roots;
 }
 
-TargetResolver::Roots TargetResolver::resolvePreset(const PresetTarget& target, const PresetCatalog& catalog) const {
-    const Preset* preset = catalog.preset(target.id);
-    if (!preset) return refused(Kind::presetUnknown, sentences::presetNotAvailable);
+TargetResolver::Roots TargetResolver::resolve(const Preset& preset) const {
     std::vector<ResolvedRoot> roots;
-    for (const PathSource& source : preset->sources) {
+    for (const PathSource& source : preset.sources) {
         auto found = resolveSource(source);
         if (!found) return found;
         for (ResolvedRoot& root : *found) {
-            root.trashOnly = root.trashOnly || preset->trashOnly;
+            root.trashOnly = root.trashOnly || preset.trashOnly;
             roots.push_back(std::move(root));
         }
     }
@@ -79,7 +81,8 @@ TargetResolver::Roots TargetResolver::resolveSource(const PathSource& source) co
         source, [&](const HomeSource& place) { return only(rootAt(home / place.path)); },
         [&](const UserTempSource& place) { return resolveTemporaryFolders(place); },
         [&](const XcodeDerivedDataSource&) { return only(resolveDerivedData()); },
-        [&](const ScreenshotFolderSource&) { return only(resolveScreenshotFolder()); });
+        [&](const ScreenshotFolderSource&) { return only(resolveScreenshotFolder()); },
+        [&](const HomeTrashSource&) { return only(homeTrash()); });
 }
 
 TargetResolver::Roots TargetResolver::resolveTemporaryFolders(const UserTempSource& source) const {
@@ -188,6 +191,12 @@ ResolvedRoot TargetResolver::screenshotRootAt(fs::path path) const {
     ResolvedRoot root = rootAt(std::move(path));
     root.screenshotFolder = true;
     root.exception = guards->screenshotException(root.url);
+    return root;
+}
+
+ResolvedRoot TargetResolver::homeTrash() const {
+    ResolvedRoot root = rootAt(home / ".local/share/Trash/files");
+    root.datedByTrashInfo = true;
     return root;
 }
 

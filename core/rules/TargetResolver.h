@@ -63,6 +63,9 @@ public:
     [[nodiscard]] std::expected<std::vector<ResolvedRoot>, ResolveError> resolve(const RuleTarget& target,
                                                                                  const PresetCatalog& catalog) const;
 
+    /// The same for the places of one preset.
+    [[nodiscard]] std::expected<std::vector<ResolvedRoot>, ResolveError> resolve(const Preset& preset) const;
+
     /// The sentence that refuses a root which others could fill: it must be a folder of the user's that neither group
     /// nor others may write to. The status is that of the folder as it was opened; nothing when it could not be read.
     [[nodiscard]] std::optional<std::string> ownershipRefusal(const std::filesystem::path& root,
@@ -80,7 +83,6 @@ private:
 
     [[nodiscard]] Roots resolveFolder(const FolderTarget& target) const;
     [[nodiscard]] Roots resolveProjectScan(const ProjectScanTarget& target) const;
-    [[nodiscard]] Roots resolvePreset(const PresetTarget& target, const PresetCatalog& catalog) const;
     [[nodiscard]] Roots resolveSource(const PathSource& source) const;
     [[nodiscard]] Roots resolveTemporaryFolders(const UserTempSource& source) const;
     [[nodiscard]] Root resolveScreenshotFolder() const;
@@ -93,6 +95,7 @@ private:
     /// The same for a folder that the user named, which may lie in the Desktop or Documents tree.
     [[nodiscard]] ResolvedRoot namedRootAt(std::filesystem::path path) const;
     [[nodiscard]] ResolvedRoot screenshotRootAt(std::filesystem::path path) const;
+    [[nodiscard]] ResolvedRoot homeTrash() const;
 
     std::filesystem::path home;
     const DefaultsReading* defaults;

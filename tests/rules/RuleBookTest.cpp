@@ -100,7 +100,7 @@ TEST(RuleBookTest, definesWhatATargetStandsFor) {
         definition(PresetTarget{"own-names"}, catalog),
         R"(preset:own-names;{"ageBasis":"modified","excludePatterns":[],"minAgeDays":null,"namePatterns":["*.log"],)"
         R"("scope":"topLevelItems","semanticsRevision":1,)"
-        R"("sources":[{"path":"Library/Caches/each-item","type":"home"}],"trashOnly":false})");
+        R"("sources":[{"path":"Library/Caches/each-item","type":"home"}],"trashOnly":false,"usedBeside":[]})");
     EXPECT_EQ(definition(ProjectScanTarget{{"/code"}, {ArtifactKind::venv, ArtifactKind::nodeModules}, 30}, catalog),
               R"(projectScan;{"nodeModules":"node_modules","venv":".venv"})");
 }

@@ -73,12 +73,9 @@ class RulesTest(ProgramTest):
              ["Give the rule a name.", "Name patterns match file names only, so they cannot contain \"/\": a/b",
               "A run time is not a time of day.", "A weekly run has a day that does not exist."]),
             (["A", "--preset", "no-such"], ["This preset is not available in this version of Vostrel."]),
-            (["A", "--folder", ""], ["Choose a folder."]),
             (["A", "--projects", "/a", "/a", "--untouched-days", "4000"],
              ["A code folder is listed twice.", "Choose at least one kind of folder to remove.",
               "Untouched days must be between 1 and 3650."]),
-            (["A", "--projects", self.home / "Library/Code", "--kinds", "target", "--untouched-days", "30"],
-             ["Vostrel does not look for projects inside ~/Library, where apps keep their own files."]),
         ]
         for arguments, expected in problems:
             self.assertEqual(self.refuse("rule", "add", *arguments), expected)

@@ -27,6 +27,7 @@ std::string order(const RuleBook& book) {
 
 TEST(RuleBookTest, approvesOnlyAFreshPreviewOfTheRuleAsItIs) {
     const Rule rule = sampleRule();
+    const RuleBook book({rule});
     Rule edited = rule;
     edited.filter.minAgeDays = 7;
     const CleanupPlan plan = samplePlan(rule);
@@ -38,20 +39,14 @@ TEST(RuleBookTest, approvesOnlyAFreshPreviewOfTheRuleAsItIs) {
         Duration age;
         bool approves;
     };
-    const Row table[] = {
-        {RuleBook({rule}), plan, 900s, true},
-        {RuleBook({rule}), plan, 900s + 1ns, false},
-        {RuleBook({rule}), plan, -60s, true},
-        {RuleBook({rule}), plan, -60s - 1ns, false},
-        {RuleBook({rule}), withoutRoots, 0s, false},
-        {RuleBook({rule}), samplePlan(named("another")), 0s, false},
-        {RuleBook(), plan, 0s, false},
-        {RuleBook({edited}), plan, 0s, false},
-    };
-    for (const auto& [book, preview, age, approves] : table) {
-        RuleBook changed = book;
-        EXPECT_EQ(changed.approvePreview(rule, preview, catalog, preview.createdAt + age), approves) << age.count();
-        EXPECT_EQ(changed == book, !approves) << age.count();
+    for (const auto& [before, preview, age, approves] :
+         {Row{book, plan, 900s, true}, Row{book, plan, 900s + 1ns, false}, Row{book, plan, -60s, true},
+          Row{book, plan, -60s - 1ns, false}, Row{book, withoutRoots, 0s, false},
+          Row{book, samplePlan(named("another")), 0s, false}, Row{RuleBook(), plan, 0s, false},
+          Row{RuleBook({edited}), plan, 0s, false}}) {
+        RuleBook after = before;
+        EXPECT_EQ(after.approvePreview(rule, preview, catalog, preview.createdAt + age), approves) << age.count();
+        EXPECT_EQ(after == before, !approves) << age.count();
     }
 }
 
@@ -60,27 +55,23 @@ TEST(RuleBookTest, anApprovalHoldsUntilSomethingThatItCapturedChanges) {
     rule.target = PresetTarget{"each-item"};
     const auto roots = samplePlan(rule).rootIdentities();
     const ApprovalKey key = rule.approvalKey(roots, catalog);
-    struct Row {
-        const char* what;
-        void (*edit)(Rule&);
-        bool keeps;
+    using Edit = void (*)(Rule&);
+    const std::pair<Edit, bool> table[] = {
+        {[](Rule& edited) { edited.name = "Another name"; }, true},
+        {[](Rule& edited) { edited.enabled = false; }, true},
+        {[](Rule& edited) { edited.triggers.emplace_back(ManualTrigger{}); }, true},
+        {[](Rule& edited) { edited.pauseWhileRunning.emplace_back(" "); }, true},
+        {[](Rule& edited) { edited.target = PresetTarget{"any-depth"}; }, false},
+        {[](Rule& edited) { edited.filter.minAgeDays = 29; }, false},
+        {[](Rule& edited) { edited.action = CleanupAction::deletePermanently; }, false},
+        {[](Rule& edited) { edited.triggers = {DailyTrigger{9, 6}}; }, false},
+        {[](Rule& edited) { edited.triggers.emplace_back(BelowLineTrigger{}); }, false},
+        {[](Rule& edited) { edited.pauseWhileRunning.clear(); }, false},
     };
-    const Row table[] = {
-        {"name", [](Rule& edited) { edited.name = "Another name"; }, true},
-        {"enabled", [](Rule& edited) { edited.enabled = false; }, true},
-        {"a manual trigger", [](Rule& edited) { edited.triggers.emplace_back(ManualTrigger{}); }, true},
-        {"blanks in the pause list", [](Rule& edited) { edited.pauseWhileRunning.emplace_back(" "); }, true},
-        {"target", [](Rule& edited) { edited.target = PresetTarget{"any-depth"}; }, false},
-        {"filter", [](Rule& edited) { edited.filter.minAgeDays = 29; }, false},
-        {"action", [](Rule& edited) { edited.action = CleanupAction::deletePermanently; }, false},
-        {"trigger time", [](Rule& edited) { edited.triggers = {DailyTrigger{9, 6}}; }, false},
-        {"another trigger", [](Rule& edited) { edited.triggers.emplace_back(BelowLineTrigger{}); }, false},
-        {"pause list", [](Rule& edited) { edited.pauseWhileRunning.clear(); }, false},
-    };
-    for (const auto& [what, edit, keeps] : table) {
+    for (const auto& [edit, keeps] : table) {
         Rule edited = rule;
         edit(edited);
-        EXPECT_EQ(edited.approvalKey(roots, catalog) == key, keeps) << what;
+        EXPECT_EQ(edited.approvalKey(roots, catalog) == key, keeps);
     }
 
     Preset revised = *catalog.preset("each-item");
@@ -105,34 +96,30 @@ TEST(RuleBookTest, definesWhatATargetStandsFor) {
               R"(projectScan;{"nodeModules":"node_modules","venv":".venv"})");
 }
 
-TEST(RuleBookTest, movesRulesAsAListDoes) {
-    struct Move {
-        std::set<std::size_t> places;
-        std::size_t target;
-        const char* result;
-    };
-    const Move table[] = {{{0}, 0, "abcd"}, {{0}, 1, "abcd"},    {{0}, 2, "bacd"},    {{0}, 4, "bcda"},
-                          {{3}, 0, "dabc"}, {{0, 2}, 4, "bdac"}, {{1, 3}, 2, "abdc"}, {{9}, 9, "abcd"}};
-    for (const auto& [places, target, result] : table) {
+TEST(RuleBookTest, keepsItsRulesInOrderAndEachIdOnce) {
+    using Places = std::set<std::size_t>;
+    for (const auto& [places, target, result] : {std::tuple(Places{0}, 1U, "abcd"),
+                                                 {{0}, 2U, "bacd"},
+                                                 {{0}, 4U, "bcda"},
+                                                 {{3}, 0U, "dabc"},
+                                                 {{0, 2}, 4U, "bdac"},
+                                                 {{1, 3}, 2U, "abdc"},
+                                                 {{9}, 9U, "abcd"}}) {
         RuleBook book({named("a"), named("b"), named("c"), named("d")});
         book.move(places, target);
         EXPECT_EQ(order(book), result);
     }
-}
 
-TEST(RuleBookTest, addsUpdatesAndRemovesById) {
-    const Rule first = named("a");
-    Rule second = named("b");
-    RuleBook book({first});
-    EXPECT_TRUE(book.add(second));
-    EXPECT_FALSE(book.add(second));
-    second.name = "c";
-    EXPECT_TRUE(book.update(second, sampleNow));
-    EXPECT_FALSE(book.update(named("d"), sampleNow));
-    EXPECT_EQ(order(book), "ac");
-    EXPECT_TRUE(book.remove(first.id));
-    EXPECT_FALSE(book.remove(first.id));
-    EXPECT_EQ(order(book), "c");
+    Rule rule = named("a");
+    RuleBook book({named("b")});
+    EXPECT_FALSE(book.update(rule, sampleNow) || book.remove(rule.id));
+    EXPECT_TRUE(book.add(rule));
+    rule.name = "c";
+    EXPECT_FALSE(book.add(rule));
+    EXPECT_TRUE(book.update(rule, sampleNow));
+    EXPECT_EQ(order(book), "bc");
+    EXPECT_TRUE(book.remove(rule.id));
+    EXPECT_EQ(order(book), "b");
 }
 
 TEST(RuleBookTest, nothingOverdueStartsWhenARuleIsEnabledApprovedOrGivenOtherTriggers) {

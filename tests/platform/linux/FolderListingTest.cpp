@@ -2,9 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 
 #include <cerrno>
 #include <climits>
@@ -24,9 +22,7 @@ namespace {
 class Entries final : public EntrySink {
 public:
     void entry(const FolderEntry& entry) override {
-        FolderEntry kept = entry;
-        kept.name = {};
-        byName.emplace(entry.name, kept);
+        byName[std::string(entry.name)] = entry;
         onEntry();
     }
     std::map<std::string, FolderEntry> byName;
@@ -35,13 +31,12 @@ public:
 
 void list(const std::filesystem::path& path, ListingDetail detail, Entries& entries) {
     const OwnedDescriptor folder(openFolder(path));
-    ASSERT_TRUE(folder.isOpen());
     FolderListing listing(detail);
-    while (true) {
-        const auto step = listing.readSome(folder.get(), entries);
+    std::expected<FolderListing::Step, int> step;
+    do {
+        step = listing.readSome(folder.get(), entries);
         ASSERT_TRUE(step.has_value());
-        if (*step == FolderListing::Step::end) return;
-    }
+    } while (*step != FolderListing::Step::end);
 }
 
 TEST(FolderListingTest, tellsWhatEachEntryIsAndOpensNone) {
@@ -53,32 +48,27 @@ TEST(FolderListingTest, tellsWhatEachEntryIsAndOpensNone) {
     home.makeLink("link", "nowhere");
     std::filesystem::create_hard_link(home / "file", home / "twin");
     ASSERT_EQ(::mkfifo((home / "pipe").c_str(), 0600), 0);  // opening it would wait for a writer
-    const OwnedDescriptor server(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-    (home / "socket").native().copy(address.sun_path, sizeof address.sun_path - 1);
-    ASSERT_EQ(::bind(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::mknod((home / "socket").c_str(), S_IFSOCK | 0600, 0), 0);
+    struct stat file{};
+    ASSERT_EQ(::stat((home / "file").c_str(), &file), 0);
 
     const std::map<std::string, EntryType> expected{
         {"file", EntryType::file}, {oddName, EntryType::file}, {"folder", EntryType::folder}, {"link", EntryType::link},
         {"twin", EntryType::file}, {"pipe", EntryType::fifo},  {"socket", EntryType::socket}};
-    struct stat file{};
-    ASSERT_EQ(::stat((home / "file").c_str(), &file), 0);
     for (const auto detail : {ListingDetail::sizes, ListingDetail::facts}) {
         Entries entries;
         list(home.path(), detail, entries);
-        std::map<std::string, EntryType> types;
-        for (const auto& [name, entry] : entries.byName)
-            types[name] = entry.type;
-        EXPECT_EQ(types, expected);
-        const auto& twin = entries.byName.at("twin");
+        EXPECT_EQ(entries.byName.size(), expected.size());
+        for (const auto& [name, type] : expected)
+            EXPECT_EQ(entries.byName[name].type, type) << name;
+        const auto& twin = entries.byName["twin"];
         EXPECT_EQ(twin.fileID, file.st_ino);
         EXPECT_EQ(twin.linkCount, 2);
         EXPECT_EQ(twin.allocated, file.st_blocks * 512);
         EXPECT_EQ(twin.error, 0);
-        if (detail == ListingDetail::facts) {
-            EXPECT_EQ(twin.modified, Date::fromTimespec(file.st_mtim));
-            EXPECT_EQ(twin.changed, Date::fromTimespec(file.st_ctim));
-        }
+        const bool hasDates = detail == ListingDetail::facts;
+        EXPECT_EQ(twin.modified, hasDates ? Date::fromTimespec(file.st_mtim) : Date());
+        EXPECT_EQ(twin.changed, hasDates ? Date::fromTimespec(file.st_ctim) : Date());
     }
 }
 
@@ -88,9 +78,8 @@ TEST(FolderListingTest, leavesOutWhatVanishesWhileItLists) {
         home.makeFile(std::to_string(number));
     Entries entries;
     entries.onEntry = [&] {
-        for (int number = 0; number < 20; ++number) {
-            if (!entries.byName.contains(std::to_string(number)))
-                std::filesystem::remove(home / std::to_string(number));
+        for (const auto& name : home.names()) {
+            if (!entries.byName.contains(name)) std::filesystem::remove(home / name);
         }
     };
     list(home.path(), ListingDetail::sizes, entries);
@@ -98,21 +87,23 @@ TEST(FolderListingTest, leavesOutWhatVanishesWhileItLists) {
     EXPECT_EQ(entries.byName.begin()->second.error, 0);
 }
 
-TEST(FolderListingTest, failsWithTheSystemsError) {
+TEST(FolderListingTest, failsWithTheSystemsErrorAndEndsTheProcessRatherThanWrapASize) {
     const TemporaryFolder home;
     const OwnedDescriptor file(::open(home.makeFile("file").c_str(), O_RDONLY | O_CLOEXEC));
     Entries entries;
     EXPECT_EQ(FolderListing(ListingDetail::sizes).readSome(file.get(), entries).error(), ENOTDIR);
     EXPECT_EQ(FolderListing(ListingDetail::sizes).readSome(-1, entries).error(), EBADF);
-}
-
-TEST(FolderListingTest, endsTheProcessRatherThanWrapASize) {
     EXPECT_EQ(linux_platform::allocatedBytes(UINT64_MAX / 1024), INT64_MAX - 511);
     EXPECT_DEATH((void)linux_platform::allocatedBytes(UINT64_MAX / 1024 + 1), "the size of a file does not fit");
 }
 
-int errorOfOpening(const std::function<int()>& open) {
-    const OwnedDescriptor opened(open());
+/// The error of opening by a path, or by a name relative to an open folder; 0 when it opens.
+int errorOf(const std::filesystem::path& path) {
+    const OwnedDescriptor opened(openFolder(path));
+    return opened.isOpen() ? 0 : errno;
+}
+int errorOf(const OwnedDescriptor& folder, const char* name) {
+    const OwnedDescriptor opened(openSubfolder(folder.get(), name));
     return opened.isOpen() ? 0 : errno;
 }
 
@@ -121,15 +112,15 @@ TEST(FolderOpeningTest, followsNoLinkInAnyComponent) {
     home.makeFolder("real/inside");
     home.makeLink("link", home / "real");
     home.makeFile("file");
-    const std::pair<const char*, int> rows[] = {{"real/inside", 0}, {"link", ENOTDIR},       {"link/inside", ELOOP},
-                                                {"file", ENOTDIR},  {"file/below", ENOTDIR}, {"nothing", ENOENT}};
+    const std::pair<const char*, int> table[] = {{"real/inside", 0}, {"link", ENOTDIR},       {"link/inside", ELOOP},
+                                                 {"file", ENOTDIR},  {"file/below", ENOTDIR}, {"nothing", ENOENT}};
     const OwnedDescriptor folder(openFolder(home.path()));
-    for (const auto& [path, error] : rows) {
-        EXPECT_EQ(errorOfOpening([&] { return openFolder(home / path); }), error) << path;
-        EXPECT_EQ(errorOfOpening([&] { return openSubfolder(folder.get(), path); }), error) << path;
+    for (const auto& [path, error] : table) {
+        EXPECT_EQ(errorOf(home / path), error) << path;
+        EXPECT_EQ(errorOf(folder, path), error) << path;
     }
-    EXPECT_EQ(errorOfOpening([&] { return openSubfolder(folder.get(), ".."); }), EXDEV);
-    EXPECT_EQ(errorOfOpening([&] { return openSubfolder(folder.get(), "/"); }), EXDEV);
+    for (const char* outside : {"..", "/"})
+        EXPECT_EQ(errorOf(folder, outside), EXDEV) << outside;
 }
 
 TEST(FolderOpeningTest, goesBeyondTheLongestPathOfOneCall) {
@@ -138,24 +129,21 @@ TEST(FolderOpeningTest, goesBeyondTheLongestPathOfOneCall) {
     std::string path = home.path();
     while (path.size() < 3 * PATH_MAX) {
         const OwnedDescriptor above(openFolder(path));
-        ASSERT_TRUE(above.isOpen()) << path.size();
-        ASSERT_EQ(::mkdirat(above.get(), name.c_str(), 0700), 0);
+        ASSERT_EQ(::mkdirat(above.get(), name.c_str(), 0700), 0) << path.size();
         path += "/" + name;
     }
-    EXPECT_EQ(errorOfOpening([&] { return openFolder(path); }), 0);
-    EXPECT_EQ(errorOfOpening([&] { return openFolder(path + "/nothing"); }), ENOENT);
-    EXPECT_EQ(errorOfOpening([&] { return openFolder("/" + std::string(2 * PATH_MAX, 'n')); }), ENAMETOOLONG);
+    EXPECT_EQ(errorOf(path), 0);
+    EXPECT_EQ(errorOf(path + "/nothing"), ENOENT);
+    EXPECT_EQ(errorOf("/" + std::string(2 * PATH_MAX, 'n')), ENAMETOOLONG);
 }
 
 TEST(FolderOpeningTest, leavesTheAccessDateAndRefusesWhatIsMounted) {
     const TemporaryFolder home;
-    const auto folder = home.makeFolder("folder");
-    home.makeFile("folder/file");
     const bool ran = withPrivateMounts([&] {
         ASSERT_EQ(::mount("none", home.path().c_str(), "tmpfs", MS_STRICTATIME, "size=64k"), 0);
+        const auto folder = home.makeFile("folder/file").parent_path();
+        const auto mounted = home.makeFolder("mounted");
         const timespec longAgo[2] = {{1'000, 0}, {1'000, 0}};
-        for (const char* name : {"folder", "mounted"})
-            ASSERT_EQ(::mkdir((home / name).c_str(), 0700), 0);
         ASSERT_EQ(::utimensat(AT_FDCWD, folder.c_str(), longAgo, 0), 0);
         Entries entries;
         list(folder, ListingDetail::facts, entries);
@@ -163,11 +151,11 @@ TEST(FolderOpeningTest, leavesTheAccessDateAndRefusesWhatIsMounted) {
         ASSERT_EQ(::stat(folder.c_str(), &after), 0);
         EXPECT_EQ(after.st_atim.tv_sec, 1'000);
 
-        ASSERT_EQ(::mount("none", (home / "mounted").c_str(), "tmpfs", 0, "size=64k"), 0);
+        ASSERT_EQ(::mount("none", mounted.c_str(), "tmpfs", 0, "size=64k"), 0);
         const OwnedDescriptor above(openFolder(home.path()));
-        EXPECT_EQ(errorOfOpening([&] { return openSubfolder(above.get(), "folder"); }), 0);
-        EXPECT_EQ(errorOfOpening([&] { return openSubfolder(above.get(), "mounted"); }), EXDEV);
-        EXPECT_EQ(errorOfOpening([&] { return openFolder(home / "mounted"); }), 0);
+        EXPECT_EQ(errorOf(above, "folder"), 0);
+        EXPECT_EQ(errorOf(above, "mounted"), EXDEV);
+        EXPECT_EQ(errorOf(mounted), 0);
     });
     if (!ran) GTEST_SKIP() << "this account may not mount";
 }

@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 
-#include <set>
-
 #include "platform/OwnedDescriptor.h"
 #include "platform/VolumeFacts.h"
 #include "support/PrivateMounts.h"
@@ -75,12 +73,13 @@ TEST(VolumeFactsTest, recognisesAMemoryVolumeAndItsAccessTimes) {
 }
 
 TEST(VolumeFactsTest, recordsDatesOnlyWhereTheFileSystemIsKnownTo) {
-    for (const char* type : {"ext4", "btrfs", "tmpfs", "overlay", "nfs4", "vfat", ""}) {
-        const bool isKnown = std::set<std::string>{"ext4", "btrfs", "tmpfs", "overlay"}.contains(type);
-        EXPECT_EQ(recordsAddedDates(type), isKnown) << type;
-        EXPECT_EQ(recordsLastUsedDates(type, AccessTimes::kept), isKnown && type != std::string("overlay")) << type;
-        EXPECT_FALSE(recordsLastUsedDates(type, AccessTimes::notKept)) << type;
-    }
+    for (const char* type : {"ext4", "btrfs", "tmpfs"})
+        EXPECT_TRUE(recordsAddedDates(type) && recordsLastUsedDates(type, AccessTimes::kept)) << type;
+    for (const char* type : {"nfs4", "vfat", ""})
+        EXPECT_FALSE(recordsAddedDates(type) || recordsLastUsedDates(type, AccessTimes::kept)) << type;
+    EXPECT_TRUE(recordsAddedDates("overlay"));
+    EXPECT_FALSE(recordsLastUsedDates("overlay", AccessTimes::kept));
+    EXPECT_FALSE(recordsLastUsedDates("ext4", AccessTimes::notKept));
 }
 
 }  // namespace

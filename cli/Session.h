@@ -26,7 +26,7 @@ public:
     const Clock clock;
     const Places places;
     const SystemDefaults defaults{};
-    const PresetCatalog catalog{};
+    const PresetCatalog catalog = PresetCatalog::offered();
     const PathGuards guards;
     const TargetResolver resolver;
     const StoredRules rules;

@@ -29,13 +29,15 @@ ItemsAre itemsOf(RuleScope scope) {
 class PartCollector {
 public:
     PartCollector(const CleanupPlanner& forPlanner, const Rule& forRule, Date date, const WalkBudget& limit,
-                  RuleFilter::CompiledGlobs globs, Glob::Patterns excluded, CleanupPlan& into)
+                  RuleFilter::CompiledGlobs globs, Glob::Patterns excluded, std::optional<PresetItems> ofPreset,
+                  CleanupPlan& into)
         : planner(forPlanner),
           rule(forRule),
           now(date),
           budget(limit),
           names(std::move(globs)),
           exclusions(std::move(excluded)),
+          preset(std::move(ofPreset)),
           plan(into) {}
 
     std::optional<PlanError> collect(const OpenedRoot& root);
@@ -43,6 +45,7 @@ public:
 private:
     [[nodiscard]] bool admits(const OpenedRoot& root, std::string_view name, std::uint64_t fileID,
                               EntryType type) const;
+    [[nodiscard]] bool recognises(const OpenedRoot& root, std::string_view name) const;
     void showProgress(const WalkedFolder& folder, const TreeFacts& sum);
 
     const CleanupPlanner& planner;
@@ -51,6 +54,7 @@ private:
     const WalkBudget& budget;
     RuleFilter::CompiledGlobs names;
     Glob::Patterns exclusions;
+    std::optional<PresetItems> preset;
     CleanupPlan& plan;
     LinkSet links;
     PlanProgress soFar;
@@ -62,7 +66,8 @@ std::optional<PlanError> PartCollector::collect(const OpenedRoot& root) {
         root.root.screenshotFolder ? ItemsAre::topLevelFiles : itemsOf(rule.filter.scope), planner.guards, walkRoot,
         exclusions,
         [&](std::string_view name, std::uint64_t fileID, EntryType type) { return admits(root, name, fileID, type); }};
-    ItemSelection selection(rule, root, plan.roots.size(), now, plan);
+    if (preset) questions.recognises = [&](std::string_view name) { return recognises(root, name); };
+    ItemSelection selection(rule, root, plan.roots.size(), now, plan, preset ? &*preset : nullptr);
     ItemAccounting accounting(questions, *planner.source, links,
                               [&](MeasuredItem&& item) { selection.take(std::move(item)); });
     accounting.dropWhen(budget.isCancelled);
@@ -85,9 +90,13 @@ std::optional<PlanError> PartCollector::collect(const OpenedRoot& root) {
 
 bool PartCollector::admits(const OpenedRoot& root, std::string_view name, std::uint64_t fileID, EntryType type) const {
     if (root.root.screenshotFolder && (type != EntryType::file || !isScreenshotName(name))) return false;
-    if (!names.passes(name)) return false;
+    if (!names.passes(name) || (preset && preset->keeps(name))) return false;
     if (rule.filter.pinnedFiles.empty()) return true;
     return type == EntryType::file && rule.filter.pinsAllow(name, fileID, root.root.identity.volumeUUID);
+}
+
+bool PartCollector::recognises(const OpenedRoot& root, std::string_view name) const {
+    return preset->recognises(name) && (!root.root.screenshotFolder || isScreenshotName(name));
 }
 
 void PartCollector::showProgress(const WalkedFolder& folder, const TreeFacts& sum) {
@@ -112,6 +121,12 @@ std::expected<CleanupPlan, PlanError> CleanupPlanner::plan(const Rule& rule, Dat
     if (!names) return std::unexpected(PlanError{PlanError::Kind::filterNotAllowed, names.error()});
     auto exclusions = Glob::Patterns::compile(rule.filter.excludeGlobs);
     if (!exclusions) return std::unexpected(PlanError{PlanError::Kind::filterNotAllowed, exclusions.error()});
+    std::optional<PresetItems> presetItems;
+    if (const Preset* preset = catalog.presetOf(rule.target)) {
+        auto items = PresetItems::of(*preset, guards.home());
+        if (!items) return std::unexpected(PlanError{PlanError::Kind::filterNotAllowed, items.error()});
+        presetItems = *std::move(items);
+    }
     const auto roots = RootOpening(guards, resolver, volume).open(rule, catalog, budget.isCancelled);
     if (!roots) return std::unexpected(roots.error());
 
@@ -120,7 +135,8 @@ std::expected<CleanupPlan, PlanError> CleanupPlanner::plan(const Rule& rule, Dat
     plan.ruleID = rule.id;
     plan.terms = {rule.target, rule.filter, rule.action};
     plan.createdAt = now;
-    PartCollector collector(*this, rule, now, budget, *std::move(names), *std::move(exclusions), plan);
+    PartCollector collector(*this, rule, now, budget, *std::move(names), *std::move(exclusions), std::move(presetItems),
+                            plan);
     for (const auto& root : *roots) {
         if (budget.isCancelled()) return std::unexpected(PlanError::of(PlanError::Kind::cancelled));
         auto error = collector.collect(root);

@@ -1,9 +1,9 @@
 #include "cleaning/ItemSelection.h"
 
-#include <chrono>
 #include <utility>
 
 #include "filesystem/FileFacts.h"
+#include "filesystem/TrashInfo.h"
 
 namespace vostrel {
 
@@ -17,6 +17,7 @@ std::optional<SkipReason> reasonToSkip(const MeasuredItem& item) {
     if (item.trouble == Trouble::isLink) return SkipReason::symlink;
     if (item.trouble == Trouble::onOtherVolume || facts.crossesVolume) return SkipReason::otherVolume;
     if (item.trouble == Trouble::isProtected) return SkipReason::protectedPlace;
+    if (item.trouble == Trouble::isUnrecognised) return SkipReason::noToolSignature;
     if (item.trouble == Trouble::isExcluded || facts.containsExcluded) return SkipReason::containsExcluded;
     if (facts.protectedRefusal) return SkipReason::protectedPlace;
     if (item.trouble == Trouble::couldNotRead || facts.unreadableCount > 0) return SkipReason::unreadable;
@@ -30,13 +31,18 @@ std::optional<SkipReason> reasonToSkip(const MeasuredItem& item) {
 
 void ItemSelection::take(MeasuredItem&& item) {
     auto url = urlOf(item);
-    if (const auto reason = reasonToSkip(item)) {
+    auto reason = reasonToSkip(item);
+    if (root.datedByTrashInfo) {
+        item.added = deletionDate(url);
+        if (!reason && !item.added) reason = SkipReason::noToolSignature;
+    }
+    if (reason) {
         auto refusal = reason == SkipReason::protectedPlace ? std::move(item.facts.protectedRefusal) : std::nullopt;
         plan.skipped.push_back({std::move(url), *reason, std::move(refusal)});
         return;
     }
     const Date ageDate = ageDateOf(item, url, rule.filter.ageBasis);
-    if (!isOldEnough(ageDate) || item.facts.ownBytes() < rule.filter.minSizeBytes.value_or(0)) return;
+    if (!isOldEnough(item, url, ageDate) || item.facts.ownBytes() < rule.filter.minSizeBytes.value_or(0)) return;
     if (now - item.facts.newestUse < recentUse) {
         plan.skipped.push_back({std::move(url), SkipReason::tooRecent, std::nullopt});
         return;
@@ -65,11 +71,8 @@ std::filesystem::path ItemSelection::urlOf(const MeasuredItem& item) const {
     return path;
 }
 
-bool ItemSelection::isOldEnough(Date ageDate) const {
-    if (!rule.filter.minAgeDays) return true;
-    // More days than a date can be old: multiplied out they would wrap round to few.
-    constexpr int longest = std::chrono::floor<std::chrono::days>(Duration::max()).count();
-    return *rule.filter.minAgeDays <= longest && ageDate <= now - std::chrono::days(*rule.filter.minAgeDays);
+bool ItemSelection::isOldEnough(const MeasuredItem& item, const std::filesystem::path& url, Date ageDate) const {
+    return vostrel::isOldEnough(ageDate, rule.filter.minAgeDays, now) && (!preset || preset->letsGo(item, url, now));
 }
 
 }  // namespace vostrel

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "base/Date.h"
+#include "cleaning/PresetItems.h"
 #include "cleaning/RootOpening.h"
 #include "filesystem/MeasuredItem.h"
 #include "rules/CleanupPlan.h"
@@ -18,21 +19,25 @@ public:
     /// An item in which anything changed within this time is in use.
     static constexpr std::chrono::seconds recentUse{600};
 
-    /// Adds to `into`; `date` is the plan's. All references outlive the object.
-    ItemSelection(const Rule& forRule, const OpenedRoot& ofRoot, std::size_t index, Date date, CleanupPlan& into)
-        : rule(forRule), root(ofRoot), rootIndex(index), now(date), plan(into) {}
+    /// Adds to `into`; `date` is the plan's, `ofPreset` what the rule's preset wants, if it has one. All references
+    /// outlive the object.
+    ItemSelection(const Rule& forRule, const OpenedRoot& ofRoot, std::size_t index, Date date, CleanupPlan& into,
+                  const PresetItems* ofPreset = nullptr)
+        : rule(forRule), root(ofRoot), rootIndex(index), now(date), plan(into), preset(ofPreset) {}
 
     void take(MeasuredItem&& item);
 
 private:
     [[nodiscard]] std::filesystem::path urlOf(const MeasuredItem& item) const;
-    [[nodiscard]] bool isOldEnough(Date ageDate) const;
+    [[nodiscard]] bool isOldEnough(const MeasuredItem& item, const std::filesystem::path& url, Date ageDate) const;
 
     const Rule& rule;
     const OpenedRoot& root;
     std::size_t rootIndex;
     Date now;
     CleanupPlan& plan;
+    /// What the rule's preset wants, when it is of one.
+    const PresetItems* preset;
 };
 
 }  // namespace vostrel

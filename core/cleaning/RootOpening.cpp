@@ -9,6 +9,8 @@
 #include "platform/CloudState.h"
 #include "platform/FolderOpening.h"
 #include "platform/OwnedDescriptor.h"
+#include "rules/PresetCatalog.h"
+#include "rules/PresetLimits.h"
 
 namespace vostrel {
 
@@ -36,6 +38,13 @@ PlanError errorOfMissing(int code) {
     return PlanError::of(code == ENOENT || code == ENOTDIR ? Kind::rootMissing : Kind::rootUnreadable);
 }
 
+std::optional<PlanError> presetProblem(const Rule& rule, const Preset* preset) {
+    if (!preset) return PlanError::of(Kind::presetUnknown);
+    if (auto problem = presetActionProblem(rule.action, *preset)) return PlanError{Kind::actionNotAllowed, *problem};
+    if (auto problem = presetFilterProblem(rule.filter, *preset)) return PlanError{Kind::filterNotAllowed, *problem};
+    return std::nullopt;
+}
+
 bool isSameFolder(const FileStatus& left, const FileStatus& right) {
     return left.type == right.type && left.device == right.device && left.inode == right.inode &&
            left.mount == right.mount;
@@ -61,17 +70,19 @@ std::expected<std::vector<OpenedRoot>, PlanError> RootOpening::open(const Rule& 
     if (mustStop()) return std::unexpected(PlanError::of(Kind::cancelled));
     const auto resolved = resolve(rule, catalog);
     if (!resolved) return std::unexpected(resolved.error());
+    const Preset* preset = catalog.presetOf(rule.target);
     std::vector<OpenedRoot> roots;
     for (const auto& root : *resolved) {
         if (mustStop()) return std::unexpected(PlanError::of(Kind::cancelled));
-        auto opened = open(root, rule);
+        auto opened = open(root, rule, preset);
+        if (!opened && preset && opened.error().kind == Kind::rootMissing) continue;
         if (!opened) return std::unexpected(std::move(opened.error()));
         for (const auto& other : roots) {
             if (overlap(other.root, opened->root)) return std::unexpected(PlanError::of(Kind::overlappingRoots));
         }
         roots.push_back(std::move(*opened));
     }
-    if (roots.empty()) return std::unexpected(PlanError::of(Kind::rootMissing));
+    if (roots.empty()) return std::unexpected(PlanError::of(preset ? Kind::presetNotFound : Kind::rootMissing));
     return roots;
 }
 
@@ -79,7 +90,7 @@ std::expected<std::vector<ResolvedRoot>, PlanError> RootOpening::resolve(const R
                                                                          const PresetCatalog& catalog) const {
     const auto unplanned = visit(
         rule.target, [](const FolderTarget&) { return std::optional<PlanError>{}; },
-        [](const PresetTarget&) { return std::optional(PlanError::of(Kind::presetUnknown)); },
+        [&](const PresetTarget& target) { return presetProblem(rule, catalog.preset(target.id)); },
         [](const ProjectScanTarget&) { return std::optional(PlanError::of(Kind::rootMissing)); });
     if (unplanned) return std::unexpected(*unplanned);
     auto roots = resolver.resolve(rule.target, catalog);
@@ -87,7 +98,8 @@ std::expected<std::vector<ResolvedRoot>, PlanError> RootOpening::resolve(const R
     return *std::move(roots);
 }
 
-std::expected<OpenedRoot, PlanError> RootOpening::open(const ResolvedRoot& resolved, const Rule& rule) const {
+std::expected<OpenedRoot, PlanError> RootOpening::open(const ResolvedRoot& resolved, const Rule& rule,
+                                                       const Preset* preset) const {
     std::error_code failure;
     const auto real = std::filesystem::canonical(resolved.url, failure);
     if (failure) return std::unexpected(errorOfMissing(failure.value()));
@@ -111,7 +123,10 @@ std::expected<OpenedRoot, PlanError> RootOpening::open(const ResolvedRoot& resol
     if (auto error = refuse(resolved, opened, rule)) return std::unexpected(*std::move(error));
     const bool isTheSame = isSameFolder(*before, opened.status) && opened.isStillThere();
     if (!isTheSame) return std::unexpected(PlanError::of(Kind::rootChanged));
-    if (auto error = checkBasis(folder.get(), rule.filter.ageBasis, opened)) return std::unexpected(*std::move(error));
+    opened.datedByTrashInfo = resolved.datedByTrashInfo;
+    for (const AgeBasis basis : {rule.filter.ageBasis, preset ? preset->ageBasis : rule.filter.ageBasis}) {
+        if (auto error = checkBasis(folder.get(), basis, opened)) return std::unexpected(*std::move(error));
+    }
     return opened;
 }
 
@@ -137,18 +152,18 @@ std::optional<PlanError> RootOpening::refuse(const ResolvedRoot& resolved, const
             return PlanError{Kind::folderNotTrusted, *std::move(refusal)};
         }
     }
-    if (rule.action == CleanupAction::deletePermanently && opened.root.linkedAtPlanning) {
-        return PlanError{Kind::actionNotAllowed,
-                         guards.displayPath(resolved.url) +
-                             " leads to another folder through a link, so this rule can only move items to the Trash, "
-                             "not delete them."};
+    ResolvedRoot asOpened = resolved;
+    asOpened.linked = opened.root.linkedAtPlanning;
+    asOpened.trashOnly = opened.root.trashOnly;
+    if (auto problem = rootActionProblem(rule.action, asOpened, guards.displayPath(resolved.url))) {
+        return PlanError{Kind::actionNotAllowed, *std::move(problem)};
     }
     return std::nullopt;
 }
 
 std::optional<PlanError> RootOpening::checkBasis(int openFolder, AgeBasis basis, OpenedRoot& opened) const {
     const std::string type = volume.fileSystemType(openFolder).value_or("");
-    opened.recordsAddedDates = recordsAddedDates(type);
+    opened.recordsAddedDates = opened.datedByTrashInfo || recordsAddedDates(type);
     const bool isKept = basis == AgeBasis::modified || (basis == AgeBasis::added && opened.recordsAddedDates) ||
                         (basis == AgeBasis::lastOpened && recordsLastUsedDates(type, volume.accessTimes(openFolder)));
     if (!isKept) return PlanError::of(Kind::basisUnsupportedOnThisDisk);

@@ -31,6 +31,8 @@ struct OpenedRoot {
     FileStatus status;
     /// Whether its disk records when items arrive in their folders.
     bool recordsAddedDates = false;
+    /// Its items arrived when their ".trashinfo" files say.
+    bool datedByTrashInfo = false;
 
     /// Whether the folder at the root's path is still this one.
     [[nodiscard]] bool isStillThere() const;
@@ -45,14 +47,16 @@ public:
     RootOpening(const PathGuards& pathGuards, const TargetResolver& targetResolver, const VolumeQuestions& questions)
         : guards(pathGuards), resolver(targetResolver), volume(questions) {}
 
-    /// All roots of the rule, in the target's order, none inside another. `isCancelled` is asked before each.
+    /// All roots of the rule, in the target's order, none inside another; of a preset, those that exist. `isCancelled`
+    /// is asked before each.
     [[nodiscard]] std::expected<std::vector<OpenedRoot>, PlanError> open(
         const Rule& rule, const PresetCatalog& catalog, const std::function<bool()>& isCancelled = {}) const;
 
 private:
     [[nodiscard]] std::expected<std::vector<ResolvedRoot>, PlanError> resolve(const Rule& rule,
                                                                               const PresetCatalog& catalog) const;
-    [[nodiscard]] std::expected<OpenedRoot, PlanError> open(const ResolvedRoot& resolved, const Rule& rule) const;
+    [[nodiscard]] std::expected<OpenedRoot, PlanError> open(const ResolvedRoot& resolved, const Rule& rule,
+                                                            const Preset* preset) const;
     [[nodiscard]] std::optional<PlanError> identify(int openFolder, OpenedRoot& opened) const;
     [[nodiscard]] std::optional<PlanError> refuse(const ResolvedRoot& resolved, const OpenedRoot& opened,
                                                   const Rule& rule) const;

@@ -14,6 +14,7 @@ using Trouble = MeasuredItem::Trouble;
 constexpr WalkDecision notAnItem{1};
 constexpr WalkDecision protectedPlace{2};
 constexpr WalkDecision excludedName{3};
+constexpr WalkDecision unrecognised{4};
 
 bool isLeftOutFor(WalkDecision decision, WalkDecision reason) {
     return decision.leftOutFor == reason.leftOutFor;
@@ -121,7 +122,8 @@ WalkDecision ItemAccounting::decide(const WalkedFolder& folder) {
         return protectedPlace;
     }
     if (isItem(folder.depth)) {
-        return questions.admits(folder.name, 0, EntryType::folder) ? WalkDecision{} : notAnItem;
+        if (!questions.admits(folder.name, 0, EntryType::folder)) return notAnItem;
+        return !questions.recognises || questions.recognises(folder.name) ? WalkDecision{} : unrecognised;
     }
     return questions.exclusions.matchesAny(folder.name) ? excludedName : WalkDecision{};
 }
@@ -129,6 +131,7 @@ WalkDecision ItemAccounting::decide(const WalkedFolder& folder) {
 void ItemAccounting::leftOut(const WalkedFolder& folder, WalkDecision decision) {
     if (isLeftOutFor(decision, notAnItem)) return;
     if (isLeftOutFor(decision, excludedName)) return trouble(folder, Trouble::isExcluded);
+    if (isLeftOutFor(decision, unrecognised)) return trouble(folder, Trouble::isUnrecognised);
     const std::string relativePath = relativePathOf(folder);
     trouble(folder, Trouble::isProtected,
             questions.guards.refusalForWalkedItem(questions.root, folderOf(relativePath), folder.name));
@@ -246,6 +249,8 @@ void ItemAccounting::reportEntries(const ItemNotes& notes) {
 }
 
 void ItemAccounting::reportEntry(std::string_view folder, std::string_view name, const FolderEntry& entry) {
+    const bool isOfTool = !questions.recognises || entry.type == EntryType::folder || questions.recognises(name);
+    if (!isOfTool) return;
     const Level& around = levels.back();
     MeasuredItem item;
     item.type = entry.type;

@@ -30,6 +30,9 @@ struct ItemQuestions {
     const Glob::Patterns& exclusions;
     /// Whether the name of an item is one that is looked for; what it does not admit is no item at all.
     std::function<bool(std::string_view name, std::uint64_t fileID, EntryType type)> admits;
+    /// Whether a tool gives such names to what it makes; empty when every name will do. A folder of another name is
+    /// left out with a word, of a file or link there is nothing to say.
+    std::function<bool(std::string_view name)> recognises = {};
 };
 
 /// What one folder's listing leaves for its items: entries one by one where they are items, else their sum.

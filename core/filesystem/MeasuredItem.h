@@ -20,6 +20,8 @@ struct MeasuredItem {
         /// The guards refuse the item itself; `facts.protectedRefusal` is their sentence.
         isProtected,
         isExcluded,
+        /// A folder that does not look like what the tool makes.
+        isUnrecognised,
         couldNotRead,
         /// The budget ran out before it was measured, or while it was.
         notMeasuredInTime,

@@ -63,9 +63,10 @@ void TrickedSource::close(int folder) {
     system.close(folder);
 }
 
-PlannerHome::PlannerHome()
-    : guards(surroundingsOf(home.path())),
-      resolver(home.path(), defaults, guards, {effectiveUserID(), std::filesystem::temp_directory_path()}) {}
+PlannerHome::PlannerHome(std::map<std::string, DefaultsValue> settings)
+    : defaults(std::move(settings)),
+      guards(surroundingsOf(home.path())),
+      resolver(home.path(), defaults, guards, {effectiveUserID(), home / "temporary"}) {}
 
 Rule PlannerHome::ruleOn(std::string_view folder) const {
     Rule rule;
@@ -87,6 +88,14 @@ CleanupPlanner PlannerHome::planner() const {
 
 std::expected<CleanupPlan, PlanError> PlannerHome::plan(const Rule& rule) const {
     return planner().plan(rule, now);
+}
+
+Rule PlannerHome::ruleOf(std::string_view preset) const {
+    return catalog.preset(preset)->draftRule(now);
+}
+
+std::vector<std::string> PlannerHome::validationProblems(const Rule& rule) const {
+    return rule.validationProblems(guards, resolver, catalog);
 }
 
 void PlannerHome::setAge(std::string_view relative, Duration age) const {

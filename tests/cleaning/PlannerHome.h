@@ -42,15 +42,19 @@ private:
 /// time cannot be set, so this is what lets things be old.
 class PlannerHome {
 public:
-    PlannerHome();
+    /// `settings` are what other applications have stored, as `FixedDefaults` lists it.
+    explicit PlannerHome(std::map<std::string, DefaultsValue> settings = {});
 
     [[nodiscard]] Rule ruleOn(std::string_view folder) const;
     [[nodiscard]] CleanupPlanner planner() const;
     [[nodiscard]] std::expected<CleanupPlan, PlanError> plan(const Rule& rule) const;
+    /// The rule that a preset of Linux is offered as.
+    [[nodiscard]] Rule ruleOf(std::string_view preset) const;
+    [[nodiscard]] std::vector<std::string> validationProblems(const Rule& rule) const;
 
     /// A path of the home.
     [[nodiscard]] std::filesystem::path operator/(std::string_view relative) const { return home / relative; }
-    /// Dates a file's content so long before the planner's present.
+    /// Dates the content of a file or folder so long before the planner's present.
     void setAge(std::string_view relative, Duration age) const;
 
     TemporaryFolder home;
@@ -59,8 +63,8 @@ public:
     VolumeQuestions volume;
 
 private:
-    FixedDefaults defaults{{}};
-    PresetCatalog catalog;
+    FixedDefaults defaults;
+    PresetCatalog catalog = PresetCatalog::offered(SystemKind::linux);
     PathGuards guards;
     TargetResolver resolver;
 };

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+#include "base/Date.h"
+
+namespace vostrel {
+
+/// When the user threw away an item of a Trash as Linux desktops keep it: its "files" folder holds the items and the
+/// "info" folder beside it a ".trashinfo" file for each, with the date in local time. An hour that comes twice is read
+/// as the later one.
+///
+/// Nothing when no such file says so: an item without one did not come through the Trash. Nothing either when others
+/// may write to the "info" folder, for then anybody may have dated the item.
+[[nodiscard]] std::optional<Date> deletionDate(const std::filesystem::path& item);
+
+}  // namespace vostrel

@@ -1,0 +1,285 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+
+#include "cleaning/PlannerHome.h"
+#include "filesystem/TrashInfo.h"
+
+namespace vostrel {
+namespace {
+
+using std::chrono::days;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::SizeIs;
+using testing::UnorderedElementsAre;
+
+using Verdicts = std::map<std::string, std::string>;
+
+constexpr const char* planned = "planned";
+constexpr const char* notTheTools = "not recognized as a tool's folder";
+
+Verdicts verdictsOf(const PlannerHome& home, const Rule& rule) {
+    const auto plan = home.plan(rule);
+    if (!plan) return {{"the plan", plan.error().sentence}};
+    return verdicts(*plan, home);
+}
+
+/// Makes a file and dates it and each folder above it, below the home, that is as young as it was made.
+void makeAged(const PlannerHome& home, const std::string& path, int age) {
+    home.home.makeFile(path);
+    for (std::filesystem::path part = path; !part.empty(); part = part.parent_path())
+        home.setAge(part.native(), days(age));
+}
+
+TEST(PresetPlanTest, takesOnlyWhatThePresetIsAbout) {
+    const std::string xcode = "Library/Developer/Xcode/";
+    const std::string built = "DerivedData/Editor-" + std::string(28, 'q');
+    struct Row {
+        std::string preset;
+        std::string root;
+        /// Files in the root, each with its age in days.
+        std::vector<std::pair<std::string, int>> files;
+        /// What the plan says of the entries of the root.
+        Verdicts verdicts;
+    };
+    const std::vector<Row> table{
+        {"xcode-derived-data",
+         xcode,
+         {{built + "/info.plist", 8},
+          {built + "q/a", 99},
+          {"DerivedData/New-" + std::string(28, 'z') + "/a", 6},
+          {"DerivedData/ModuleCache.noindex/a", 8},
+          {"DerivedData/My notes/a", 99},
+          {"DerivedData/note.txt", 99}},
+         {{built, planned},
+          {"DerivedData/ModuleCache.noindex", planned},
+          {"DerivedData/My notes", notTheTools},
+          {built + "q", notTheTools}}},
+        {"xcode-device-support",
+         xcode,
+         {{"iOS DeviceSupport/iPhone14,5 17.2 (21C62)/Symbols/a", 91},
+          {"watchOS DeviceSupport/10.2 (21S364)/a", 91},
+          {"iOS DeviceSupport/my backup/a", 91},
+          {"iOS DeviceSupport/16.4 (20E247)/a", 89}},
+         {{"iOS DeviceSupport/iPhone14,5 17.2 (21C62)", planned},
+          {"watchOS DeviceSupport/10.2 (21S364)", planned},
+          {"iOS DeviceSupport/my backup", notTheTools}}},
+        {"xcode-archives",
+         xcode + "Archives/",
+         {{"2024-01-31/App.xcarchive/Info.plist", 181}, {"2024-02-01/App.xcarchive/a", 179}, {"Releases/a", 999}},
+         {{"2024-01-31", planned}, {"Releases", notTheTools}}},
+        {"go-build-cache",
+         ".cache/go-build/",
+         {{"0a/one-d", 1}, {"fuzz/found/input", 99}, {"README", 99}, {"trim.txt", 99}},
+         {{"0a", planned}}},
+        {"npm-cache",
+         ".npm/",
+         {{"_cacache/content-v2/a", 1}, {"_logs/a.log", 99}, {"settings", 9}},
+         {{"_cacache/content-v2", planned}}},
+        {"yarn-cache", ".cache/yarn/", {{"v6/a", 1}, {"berry/a", 99}}, {{"v6", planned}, {"berry", notTheTools}}},
+        {"playwright-browsers",
+         ".cache/ms-playwright/",
+         {{"chromium_headless_shell-1148/a", 1}, {"mcp-chrome-profile/Cookies", 99}, {".links/a", 99}},
+         {{"chromium_headless_shell-1148", planned}, {"mcp-chrome-profile", notTheTools}, {".links", notTheTools}}},
+        {"chrome-cache", ".cache/google-chrome/", {{"Default/Cache/a", 1}}, {{"Default", planned}}},
+        {"agent-temp",
+         "temporary/",
+         {{"claude-501/-home-ann-code/session/a", 8},
+          {"claude-501/-home-ann-new/a", 6},
+          {"claude-501/mine/a", 99},
+          {"other/-home-ann-code/a", 99},
+          {"claude-file", 99}},
+         {{"claude-501/-home-ann-code", planned}, {"claude-501/mine", notTheTools}}},
+        {"logs",
+         "Library/Logs/",
+         {{"App/deep/a.log", 31}, {"App/a.log.1", 31}, {"App/new.log", 29}, {"App/000003.log", 99}, {"App/notes", 99}},
+         {{"App/deep/a.log", planned}, {"App/a.log.1", planned}}},
+        {"old-downloads",
+         "Downloads/",
+         {{"film", 1}, {"folder/.DS_Store", 1}, {".DS_Store", 1}, {".localized", 1}},
+         {{"film", planned}, {"folder", planned}}},
+        {"screenshots",
+         "Desktop/",
+         {{"Screenshot 2024-01-31 at 9.05.07\u202FPM.png", 31},
+          {"Screen Recording 2024-01-31 at 19.05.07 (2).mov", 31},
+          {"Screenshot 2024-02-01 at 9.05.07 PM.png", 29},
+          {"letter.txt", 99},
+          {"folder/Screenshot 2024-01-31 at 9.05.07.png", 99}},
+         {{"Screenshot 2024-01-31 at 9.05.07\u202FPM.png", planned},
+          {"Screen Recording 2024-01-31 at 19.05.07 (2).mov", planned}}},
+    };
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.preset);
+        const PlannerHome home;
+        for (const auto& [file, age] : row.files)
+            makeAged(home, row.root + file, age);
+        Verdicts expected;
+        for (const auto& [entry, verdict] : row.verdicts)
+            expected[row.root + entry] = verdict;
+        EXPECT_EQ(verdictsOf(home, home.ruleOf(row.preset)), expected);
+        EXPECT_THAT(home.validationProblems(home.ruleOf(row.preset)), IsEmpty());
+    }
+}
+
+TEST(PresetPlanTest, tellsWhenAnIDEWasOpenedByWhatItWrites) {
+    const PlannerHome home;
+    const std::string caches = ".cache/JetBrains/";
+    for (const char* version : {"IdeaIC2022.2", "PyCharm2022.1", "GoLand2022.3", "CLion2022.1"})
+        makeAged(home, caches + version + "/index", 91);
+    makeAged(home, caches + "Toolbox/a", 999);
+    makeAged(home, "Library/Logs/JetBrains/IdeaIC2022.2/idea.log", 91);
+    makeAged(home, "Library/Logs/JetBrains/PyCharm2022.1/idea.log", 89);
+    makeAged(home, ".config/JetBrains/CLion2022.1/port", 91);
+    home.setAge(".config/JetBrains/CLion2022.1", days(3));
+    EXPECT_EQ(verdictsOf(home, home.ruleOf("jetbrains-caches")), (Verdicts{{caches + "IdeaIC2022.2", planned},
+                                                                           {caches + "GoLand2022.3", planned},
+                                                                           {caches + "Toolbox", notTheTools}}));
+}
+
+TEST(PresetPlanTest, goesByTheDatesThatTheTrashKeeps) {
+    const PlannerHome home;
+    const std::string trash = ".local/share/Trash/";
+    const auto info = [&](const std::string& name, const std::string& content) {
+        home.home.makeFile(trash + "files/" + name);
+        if (!content.empty()) home.home.makeFile(trash + "info/" + name + ".trashinfo", content);
+    };
+    const auto thrownAway = [&](int age) {
+        const std::time_t seconds = (home.now - days(age)).seconds() - 60;
+        std::tm local{};
+        localtime_r(&seconds, &local);
+        char text[80];
+        const auto length = std::strftime(text, sizeof text, "DeletionDate=%Y-%m-%dT%H:%M:%S\n", &local);
+        return "[Trash Info]\nPath=/x\n" + std::string(text, length);
+    };
+    info("old", thrownAway(30));
+    info("younger", thrownAway(29));
+    info("undated", "");
+    info("odd", "[Trash Info]\nDeletionDate=yesterday\n");
+    info("other group", "[Other]\nDeletionDate=2001-01-01T00:00:00\n");
+    info("too long", "[Trash Info]\n" + std::string(70'000, '#') + "\nDeletionDate=2001-01-01T00:00:00\n");
+    home.home.makeFile(trash + "files/linked");
+    home.home.makeLink(trash + "info/linked.trashinfo", home / (trash + "info/old.trashinfo"));
+
+    const Rule rule = home.ruleOf("old-trash");
+    Verdicts expected{{trash + "files/old", planned}};
+    for (const char* name : {"undated", "odd", "other group", "too long", "linked"})
+        expected[trash + "files/" + name] = notTheTools;
+    EXPECT_EQ(verdictsOf(home, rule), expected);
+    const auto plan = home.plan(rule);
+    ASSERT_THAT(plan->items, SizeIs(1));
+    EXPECT_LT(home.now - plan->items.front().ageDate, days(31));
+    EXPECT_EQ(plan->terms.action, CleanupAction::deletePermanently);
+
+    chmod((home / (trash + "info")).c_str(), 0777);
+    EXPECT_EQ(verdictsOf(home, rule).at(trash + "files/old"), notTheTools) << "anybody may have dated it";
+}
+
+TEST(TrashInfoTest, readsLocalTimeAndTheLaterOfAnHourThatComesTwice) {
+    const TemporaryFolder trash;
+    const char* before = std::getenv("TZ");
+    const std::string zone = before ? before : "";
+    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+    tzset();
+    const auto dateOf = [&](const std::string& text) {
+        trash.makeFile("info/a.trashinfo", "[Trash Info]\r\nDeletionDate=" + text + "\r\n");
+        return deletionDate(trash / "files/a");
+    };
+    EXPECT_EQ(dateOf("2025-01-15T12:00:00"), Date::fromSeconds(1'736'938'800));
+    EXPECT_EQ(dateOf("2025-07-01T12:00:00"), Date::fromSeconds(1'751'364'000));
+    EXPECT_EQ(dateOf("2025-10-26T02:30:00"), Date::fromSeconds(1'761'442'200));
+    for (const char* text : {"", "2025-13-01T00:00:00", "2025-01-01", "2025-01-01T00:00:00Z"})
+        EXPECT_EQ(dateOf(text), std::nullopt) << text;
+    before ? setenv("TZ", zone.c_str(), 1) : unsetenv("TZ");
+    tzset();
+}
+
+TEST(PresetPlanTest, refusesWhatThePresetForbidsInTheWordsOfTheRuleEditor) {
+    using Kind = PlanError::Kind;
+    constexpr const char* toTheTrash = "so this rule can only move items to the Trash, not delete them.";
+    const auto deletes = [](Rule& rule) { rule.action = CleanupAction::deletePermanently; };
+    const auto asItIs = [](Rule&) {};
+    struct Row {
+        const char* preset;
+        std::function<void(Rule&)> edit;
+        Kind kind;
+        std::string sentence;
+    };
+    const std::vector<Row> table{
+        {"logs", [](Rule& rule) { rule.target = PresetTarget{"gone"}; }, Kind::presetUnknown,
+         "This preset is not available in this version of Vostrel."},
+        {"old-downloads", deletes, Kind::actionNotAllowed,
+         "This preset only moves items to the Trash, so its rules cannot delete permanently."},
+        {"xcode-derived-data", deletes, Kind::actionNotAllowed,
+         std::string("Xcode keeps DerivedData in a folder chosen in its settings, ") + toTheTrash},
+        {"pip-cache", deletes, Kind::actionNotAllowed,
+         std::string("~/.cache/pip leads to another folder through a link, ") + toTheTrash},
+        {"screenshots", [](Rule& rule) { rule.filter.includeGlobs = {"*"}; }, Kind::filterNotAllowed,
+         "This preset decides which names it cleans, so the rule cannot list names to clean. It can list names to "
+         "keep."},
+        {"old-trash", [](Rule& rule) { rule.filter.scope = RuleScope::allFiles; }, Kind::filterNotAllowed,
+         "This preset cleans each item in its folders, and its rules must too."},
+        {"logs", [](Rule& rule) { rule.filter.scope = RuleScope::topLevelItems; }, Kind::filterNotAllowed,
+         "This preset cleans files at any depth, and its rules must too."},
+        {"zoom-cache", asItIs, Kind::presetNotFound, "None of the folders this preset cleans exist on this Mac."},
+        {"agent-temp", asItIs, Kind::presetNotFound, "None of the folders this preset cleans exist on this Mac."},
+    };
+    PlannerHome made;
+    made.home.makeFolder("elsewhere/built");
+    const PlannerHome home({{"com.apple.dt.Xcode IDECustomDerivedDataLocation", (made / "elsewhere/built").native()}});
+    home.home.makeLink(".cache/pip", home.home.makeFolder("pip"));
+    home.home.makeFolder("Downloads");
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.sentence);
+        Rule rule = home.ruleOf(row.preset);
+        row.edit(rule);
+        const auto plan = home.plan(rule);
+        ASSERT_FALSE(plan);
+        EXPECT_EQ(plan.error(), (PlanError{row.kind, row.sentence}));
+        const auto problems = home.validationProblems(rule);
+        if (row.kind == Kind::presetNotFound) {
+            EXPECT_THAT(problems, IsEmpty()) << "the folders may come";
+        } else {
+            EXPECT_THAT(problems, Contains(row.sentence));
+        }
+    }
+
+    const auto built = home.plan(home.ruleOf("xcode-derived-data"));
+    ASSERT_TRUE(built) << built.error().sentence;
+    EXPECT_TRUE(built->roots.front().trashOnly);
+    EXPECT_EQ(built->roots.front().setting, "Xcode's DerivedData location");
+    const auto linked = home.plan(home.ruleOf("pip-cache"));
+    ASSERT_TRUE(linked) << linked.error().sentence;
+    EXPECT_TRUE(linked->roots.front().trashOnly && linked->roots.front().linkedAtPlanning);
+
+    const PlannerHome unread({{"com.apple.screencapture location", PreferenceOther{}}});
+    EXPECT_EQ(unread.plan(unread.ruleOf("screenshots")).error().kind, Kind::settingUnreadable);
+}
+
+TEST(PresetPlanTest, holdsARuleToThePresetsAgeAndDate) {
+    PlannerHome home;
+    makeAged(home, "Downloads/arrived", 999);
+    Rule rule = home.ruleOf("old-downloads");
+    EXPECT_THAT(verdictsOf(home, rule), SizeIs(1));
+    rule.filter.minAgeDays = 45;
+    EXPECT_THAT(verdictsOf(home, rule), IsEmpty()) << "a rule may want more";
+    rule.filter.minAgeDays.reset();
+    rule.filter.ageBasis = AgeBasis::modified;
+    EXPECT_THAT(verdictsOf(home, rule), SizeIs(1));
+    home.now = Date::now() + days(29);
+    EXPECT_THAT(verdictsOf(home, rule), IsEmpty()) << "it came in 29 days ago, whatever its content is dated";
+
+    home.volume.fileSystemType = [](int) { return "msdos"; };
+    const auto plan = home.plan(rule);
+    ASSERT_FALSE(plan) << "the preset goes by a date that this disk does not record";
+    EXPECT_EQ(plan.error().kind, PlanError::Kind::basisUnsupportedOnThisDisk);
+}
+
+}  // namespace
+}  // namespace vostrel

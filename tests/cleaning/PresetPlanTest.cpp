@@ -20,15 +20,13 @@ using testing::Pair;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
-using Verdicts = std::map<std::string, std::string>;
-
 constexpr const char* planned = "planned";
 constexpr const char* notTheTools = "not recognized as a tool's folder";
 
 Verdicts verdictsOf(const PlannerHome& home, const Rule& rule) {
     const auto plan = home.plan(rule);
     if (!plan) return {{"the plan", plan.error().sentence}};
-    return verdicts(*plan, home);
+    return home.verdicts(*plan);
 }
 
 /// Makes a file and dates it and each folder above it, below the home, that is as young as it was made.
@@ -275,7 +273,7 @@ TEST(PresetPlanTest, holdsARuleToThePresetsAgeAndDate) {
     home.now = Date::now() + days(29);
     EXPECT_THAT(verdictsOf(home, rule), IsEmpty()) << "it came in 29 days ago, whatever its content is dated";
 
-    home.volume.fileSystemType = [](int) { return "msdos"; };
+    home.planner.volume.fileSystemType = [](int) { return "msdos"; };
     const auto plan = home.plan(rule);
     ASSERT_FALSE(plan) << "the preset goes by a date that this disk does not record";
     EXPECT_EQ(plan.error().kind, PlanError::Kind::basisUnsupportedOnThisDisk);

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <mutex>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -37,9 +38,20 @@ public:
     /// Makes what is not there yet, and the folders above it. References stay valid.
     Node& folder(const std::string& path) { return make(path, EntryType::folder); }
     Node& link(const std::string& path) { return make(path, EntryType::link); }
-    Node& file(const std::string& path, std::int64_t allocated = 4096);
+    Node& file(const std::string& path, std::int64_t allocated = 4096) {
+        Node& node = make(path, EntryType::file);
+        node.status.allocated = allocated;
+        return node;
+    }
     /// A further name of the file at `existing`, whose link count grows.
-    void hardLink(const std::string& path, const std::string& existing);
+    void hardLink(const std::string& path, const std::string& existing) {
+        FileStatus status = nodes.at(existing).status;
+        ++status.linkCount;
+        file(path).status = status;
+        for (auto& [_, node] : nodes) {
+            if (node.status.inode == status.inode) node.status = status;
+        }
+    }
     /// Another path of the same folder, through a link further up.
     void alias(const std::string& path, const std::string& existing) { aliases[path] = existing; }
     [[nodiscard]] Node& at(const std::string& path) { return nodes.at(path); }
@@ -51,19 +63,63 @@ public:
     std::function<void(const std::string& line)> onLine = [](const std::string&) {};
 
     /// Adds a line of the test's own to the journal: a decision, a look at the budget.
-    void note(const std::string& line);
+    void note(const std::string& line) {
+        onLine(line);
+        const std::lock_guard guard(lock);
+        lines.push_back(line);
+    }
     /// "open /a", "status /a", "read /a", "close /a", and the notes, in the order in which they came.
-    [[nodiscard]] std::vector<std::string> journal() const;
-    void clearJournal();
-    [[nodiscard]] std::size_t openNow() const;
+    [[nodiscard]] const std::vector<std::string>& journal() const { return lines; }
+    void clearJournal() {
+        lines.clear();
+        mostAtOnce = 0;
+    }
+    [[nodiscard]] std::size_t openNow() const { return opened.size(); }
     [[nodiscard]] std::size_t mostOpen() const { return mostAtOnce; }
 
-    std::expected<FileStatus, int> lookUp(const std::string& path) override;
-    std::expected<std::string, int> resolve(const std::string& path) override;
-    int open(const std::string& path) override;
-    std::expected<FileStatus, int> status(int folder) override;
-    std::expected<FolderListing::Step, int> readSome(int folder, FolderListing& listing, EntrySink& sink) override;
-    void close(int folder) override;
+    std::expected<FileStatus, int> lookUp(const std::string& path) override {
+        const auto found = nodes.find(*resolve(path));
+        if (found == nodes.end()) return std::unexpected(ENOENT);
+        if (found->second.lookUpError != 0) return std::unexpected(found->second.lookUpError);
+        return found->second.status;
+    }
+    std::expected<std::string, int> resolve(const std::string& path) override {
+        const auto other = aliases.find(path);
+        return other == aliases.end() ? path : other->second;
+    }
+    int open(const std::string& path) override {
+        note("open " + path);
+        const Node& node = nodes.at(path);
+        errno = node.openError;
+        if (node.openError != 0) return -1;
+        const std::lock_guard guard(lock);
+        opened[nextDescriptor] = {path, &node, 0};
+        mostAtOnce = std::max(mostAtOnce, opened.size());
+        return nextDescriptor++;
+    }
+    std::expected<FileStatus, int> status(int folder) override {
+        const auto& [path, node, _] = at(folder);
+        note("status " + path);
+        if (node->statusError != 0) return std::unexpected(node->statusError);
+        return node->status;
+    }
+    std::expected<FolderListing::Step, int> readSome(int folder, FolderListing&, EntrySink& sink) override {
+        auto& [path, node, next] = at(folder);
+        note("read " + path);
+        const auto& names = node->names;
+        const bool fails = node->listingError != 0;
+        const std::size_t last = fails ? std::min(node->entriesBeforeError, names.size()) : names.size();
+        if (next == last && fails) return std::unexpected(node->listingError);
+        if (next == last) return FolderListing::Step::end;
+        for (const std::size_t end = std::min(last, next + entriesPerRead); next < end; ++next)
+            report(names[next], nodes.at(path + "/" + names[next]), sink);
+        return FolderListing::Step::more;
+    }
+    void close(int folder) override {
+        note("close " + at(folder).path);
+        const std::lock_guard guard(lock);
+        opened.erase(folder);
+    }
 
 private:
     struct Open {
@@ -72,23 +128,46 @@ private:
         std::size_t next = 0;
     };
 
-    Node& make(const std::string& path, EntryType type);
-    Open& opened(int descriptor);
+    Node& make(const std::string& path, EntryType type) {
+        const auto [place, isNew] = nodes.try_emplace(path);
+        Node& node = place->second;
+        if (!isNew) return node;
+        if (const auto slash = path.rfind('/'); slash > 0)
+            folder(path.substr(0, slash)).names.push_back(path.substr(slash + 1));
+        node.status.type = type;
+        node.status.device = 1;
+        node.status.mount = 1;
+        node.status.inode = nextInode++;
+        return node;
+    }
+    Open& at(int descriptor) {
+        const std::lock_guard guard(lock);
+        return opened.at(descriptor);
+    }
+    static void report(const std::string& name, const Node& node, EntrySink& sink) {
+        FolderEntry entry;
+        entry.name = name;
+        entry.error = node.entryError;
+        if (node.entryError == 0) {
+            entry.type = node.status.type;
+            entry.fileID = node.status.inode;
+            entry.linkCount = node.status.linkCount;
+            entry.allocated = node.status.allocated;
+            entry.mountStatus = node.mountStatus;
+            entry.device = node.status.device;
+        }
+        sink.entry(entry);
+    }
 
     std::map<std::string, Node> nodes;
     std::map<std::string, std::string> aliases;
     std::uint64_t nextInode = 100;
 
-    mutable std::mutex lock;
+    std::mutex lock;
     std::vector<std::string> lines;
-    std::map<int, Open> open_;
+    std::map<int, Open> opened;
     int nextDescriptor = 1000;
     std::size_t mostAtOnce = 0;
 };
-
-/// A tree below "/r" of about `folders` folders, the same for the same seed: deep and wide places, hard links across
-/// folders, symbolic links, pipes and devices, mounts of every kind, and every fault that a folder, the root too, or an
-/// entry can have.
-void plantRandomTree(FakeFolderTree& tree, std::mt19937& random, int folders);
 
 }  // namespace vostrel::test

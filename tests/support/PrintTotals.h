@@ -1,6 +1,9 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <ostream>
+#include <tuple>
 
 #include "filesystem/FilesystemFields.h"
 #include "stores/JSONCoding.h"
@@ -13,13 +16,7 @@ inline void PrintTo(const WalkTotals& totals, std::ostream* out) {
 }
 
 inline void PrintTo(const Measured& measured, std::ostream* out) {
-    PrintTo(measured.totals, out);
-    for (const auto& [name, totals] : measured.marks)
-        PrintTo(totals, &(*out << "\n  mark " << name << ": "));
-    for (const auto& [name, reason] : measured.skipped) {
-        const auto* unreadable = std::get_if<Unreadable>(&reason);
-        *out << "\n  skipped " << name << ": " << (unreadable ? shownText(unreadable->reason) : "a link");
-    }
+    *out << testing::PrintToString(std::tie(measured.totals, measured.marks, measured.skipped));
 }
 
 }  // namespace vostrel

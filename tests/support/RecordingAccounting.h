@@ -11,8 +11,7 @@ namespace vostrel::test {
 /// Writes down everything that a walk tells its accounting, one line a call, and leaves out what it is told to.
 class RecordingAccounting final : public WalkAccounting {
 public:
-    using Write = std::function<void(std::string line)>;
-    explicit RecordingAccounting(Write writeLine) : write(std::move(writeLine)) {}
+    explicit RecordingAccounting(std::function<void(std::string line)> writeLine) : write(std::move(writeLine)) {}
 
     /// The number under which a folder is left out; 0 enters it. Everything is entered unless told otherwise.
     std::function<int(const std::string& path)> leaveOut = [](const std::string&) { return 0; };
@@ -20,26 +19,24 @@ public:
     [[nodiscard]] std::unique_ptr<FolderNotes> makeNotes() const override { return std::make_unique<Names>(); }
 
     WalkDecision decide(const WalkedFolder& folder) override {
-        write(line("decide", folder));
+        say("decide ", folder);
         return {static_cast<std::uint8_t>(leaveOut(std::string(folder.path)))};
     }
     void leftOut(const WalkedFolder& folder, WalkDecision decision) override {
-        write(line("leftOut", folder) + " for " + std::to_string(decision.leftOutFor));
+        say("leftOut ", folder, " for " + std::to_string(decision.leftOutFor));
     }
-    void tooDeep(const WalkedFolder& folder) override { write(line("tooDeep", folder)); }
+    void tooDeep(const WalkedFolder& folder) override { say("tooDeep ", folder); }
     void couldNotOpen(const WalkedFolder& folder, int error) override {
-        write(line("couldNotOpen", folder) + " error " + std::to_string(error));
+        say("couldNotOpen ", folder, " error " + std::to_string(error));
     }
-    void onOtherVolume(const WalkedFolder& folder) override { write(line("onOtherVolume", folder)); }
+    void onOtherVolume(const WalkedFolder& folder) override { say("onOtherVolume ", folder); }
     void listed(const WalkedFolder& folder, const FileStatus&, FolderNotes& notes, ListingEnd end, int error) override {
-        std::string text = line("listed", folder) + dynamic_cast<Names&>(notes).names;
-        if (end == ListingEnd::stopped) text += " stopped";
-        if (end == ListingEnd::failed) text += " error " + std::to_string(error);
-        write(text);
+        const std::string ends[] = {"", " error " + std::to_string(error), " stopped"};
+        say("listed ", folder, dynamic_cast<Names&>(notes).names + ends[static_cast<int>(end)]);
     }
-    void notReached(const WalkedFolder& folder) override { write(line("notReached", folder)); }
+    void notReached(const WalkedFolder& folder) override { say("notReached ", folder); }
     void finished(const WalkedFolder& folder, bool stopped) override {
-        write(line("finished", folder) + (stopped ? " stopped" : ""));
+        say("finished ", folder, stopped ? " stopped" : "");
     }
 
 private:
@@ -49,11 +46,11 @@ private:
         std::string names;
     };
 
-    static std::string line(std::string_view what, const WalkedFolder& folder) {
-        return std::string(what) + " " + std::string(folder.path);
+    void say(const char* what, const WalkedFolder& folder, const std::string& more = {}) const {
+        write(what + std::string(folder.path) + more);
     }
 
-    Write write;
+    std::function<void(std::string line)> write;
 };
 
 }  // namespace vostrel::test

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <random>
 #include <set>
 #include <thread>
@@ -20,6 +21,7 @@
 namespace vostrel {
 namespace {
 
+using namespace std::chrono_literals;
 using test::FakeFolderTree;
 using Node = FakeFolderTree::Node;
 using Reason = UnreadableReason;
@@ -275,8 +277,10 @@ TEST(SizeWalkerSharedStateTest, seesThatItIsCancelledWhileHelpersHang) {
         std::atomic<bool> isSeen = false;
         tree->onLine = [&](const std::string& line) {
             if (line != call) return;
+            const bool isHelper = std::this_thread::get_id() != walking;
+            if (isHelper) std::this_thread::sleep_for(50ms);  // until nothing is left to list but this
             isCancelled = true;
-            if (std::this_thread::get_id() != walking) isSeen.wait(false);
+            if (isHelper) isSeen.wait(false);
         };
         const WalkBudget budget{.isCancelled = [&] {
             isSeen = isCancelled.load();

@@ -197,6 +197,8 @@ TEST(AttributeRecordsTest, readsNothingBeyondARecordOrTheBuffer) {
         write(shortened, 0, length);
         EXPECT_EQ(errorOf(shortened), EIO) << length;
     }
+    const auto cramped = Record(36, {lean.common & noError, 0, lean.file, 0}).put(32, 1);
+    EXPECT_EQ(errorOf(cramped.named(24, "x") + first), EIO) << "values beyond the record's end";
     Bytes beyond = first;
     write(beyond, 0, static_cast<std::uint32_t>(first.size() + 1));
     EXPECT_EQ(errorOf(beyond), EIO);

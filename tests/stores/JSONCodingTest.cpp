@@ -65,7 +65,7 @@ TEST(JSONCodingTest, keepsEveryString) {
 TEST(JSONCodingTest, refusesWhatIsNotOneWholeJSONValue) {
     std::istringstream damaged(R"~(
         [ ] } [} {] ][ ],[ 1],[2 [1,] [,1] [1,,2] [:] [true:1] ["a":1] [1]] {"a"} {"a":} {"a":1,} {,"a":1} {a:1} {1:2}
-        {"a":"b":1} {"a":1}} {"a":nul} nul nulll True NaN Infinity - +1 01 -01 1. .5 1e 1e+ 0x10 1.0abc 1, --1 1_000
+        {"a":"b":1} {"a":1}} {"a":nul} nul nulll True NaN Infinity - +1 01 -01 1. .5 1e 1e+ 0x10 1.0abc 1, 1,2 --1 1_000
         "a "\" "\x" "\u12" "\u12G4" "\ud800" "\udc00" "\ud800\u0041" "\ud800x" {"\ud800":1} 'a')~");
     for (std::string text; damaged >> text;)
         EXPECT_FALSE(decoder.decode(text)) << text;

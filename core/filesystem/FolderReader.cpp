@@ -22,6 +22,7 @@ public:
         }
         target.subfolders.push_back({target.names.size(), entry.name.size(), {}, nullptr});
         target.names += entry.name;
+        target.notes->subfolder(entry.name);
     }
 
 private:

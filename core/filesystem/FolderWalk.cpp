@@ -72,7 +72,8 @@ void FolderWalk::walkSubfolder(Level& level) {
     ListedFolder::Subfolder& subfolder = level.folder->subfolders[level.next];
     const bool isQueued = subfolder.ahead != nullptr;
     ListedFolder* folder = isQueued ? subfolder.ahead : folderFor(*level.folder, subfolder);
-    if (level.folder->decided <= level.next) subfolder.decision = accounting.decide(folder->asWalked());
+    if (level.folder->decided <= level.next)
+        subfolder.decision = accounting.decide(folder->asWalked(), *level.folder->notes);
     const WalkDecision decision = subfolder.decision;
     subfolder.ahead = nullptr;
     ++level.next;
@@ -109,7 +110,7 @@ void FolderWalk::queueSubfolders(ListedFolder& folder, std::size_t from) {
     for (folder.decided = std::max(folder.decided, from); folder.decided < end; ++folder.decided) {
         ListedFolder::Subfolder& subfolder = folder.subfolders[folder.decided];
         ListedFolder* next = folderFor(folder, subfolder);
-        subfolder.decision = accounting.decide(next->asWalked());
+        subfolder.decision = accounting.decide(next->asWalked(), *folder.notes);
         if (subfolder.decision.enters()) {
             accounting.prepare(next->asWalked(), folder.notes.get(), *next->notes);
             subfolder.ahead = next;

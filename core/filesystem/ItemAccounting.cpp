@@ -115,7 +115,7 @@ bool ItemAccounting::isItem(std::size_t depth) const {
     return questions.itemsAre == ItemsAre::topLevelEntries && depth == 1;
 }
 
-WalkDecision ItemAccounting::decide(const WalkedFolder& folder) {
+WalkDecision ItemAccounting::decisionOn(const WalkedFolder& folder) const {
     if (questions.itemsAre == ItemsAre::topLevelFiles) return notAnItem;
     const std::string relativePath = relativePathOf(folder);
     if (questions.guards.refusalForWalkedItem(questions.root, folderOf(relativePath), folder.name)) {
@@ -159,7 +159,7 @@ void ItemAccounting::onOtherVolume(const WalkedFolder& folder) {
 
 void ItemAccounting::notReached(const WalkedFolder& folder) {
     if (isCancelled() || !holdsItems(folder.depth - 1)) return;  // the item that it is a part of says so
-    const WalkDecision decision = decide(folder);
+    const WalkDecision decision = decisionOn(folder);
     if (decision.enters()) {
         trouble(folder, Trouble::notMeasuredInTime);
     } else {

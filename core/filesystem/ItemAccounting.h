@@ -85,7 +85,9 @@ public:
 
     [[nodiscard]] std::unique_ptr<FolderNotes> makeNotes() const override;
     void prepare(const WalkedFolder& folder, const FolderNotes* parent, FolderNotes& notes) override;
-    WalkDecision decide(const WalkedFolder& folder) override;
+    WalkDecision decide(const WalkedFolder& folder, const FolderNotes& /*around*/) override {
+        return decisionOn(folder);
+    }
     void leftOut(const WalkedFolder& folder, WalkDecision decision) override;
     void tooDeep(const WalkedFolder& folder) override;
     void couldNotOpen(const WalkedFolder& folder, int error) override;
@@ -109,6 +111,7 @@ private:
         std::optional<Date> added;
     };
 
+    [[nodiscard]] WalkDecision decisionOn(const WalkedFolder& folder) const;
     [[nodiscard]] bool isCancelled() const { return cancelled && cancelled(); }
     [[nodiscard]] bool holdsItems(std::size_t depth) const;
     [[nodiscard]] bool isItem(std::size_t depth) const;

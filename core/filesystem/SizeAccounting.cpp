@@ -71,7 +71,7 @@ void SizeAccounting::prepare(const WalkedFolder& folder, const FolderNotes* pare
     prepared.keepsNames = marks.isHolder(prepared.key);
 }
 
-WalkDecision SizeAccounting::decide(const WalkedFolder& folder) {
+WalkDecision SizeAccounting::decide(const WalkedFolder& folder, const FolderNotes& /*around*/) {
     if (rootFailure) return decisionOf(AccessDecision{rootFailure});  // there will be no sum to add to
     const std::string path(folder.path);
     walker.lookedUp(path);

@@ -49,7 +49,7 @@ public:
 
     [[nodiscard]] std::unique_ptr<FolderNotes> makeNotes() const override;
     void prepare(const WalkedFolder& folder, const FolderNotes* parent, FolderNotes& notes) override;
-    WalkDecision decide(const WalkedFolder& folder) override;
+    WalkDecision decide(const WalkedFolder& folder, const FolderNotes& around) override;
     void leftOut(const WalkedFolder& folder, WalkDecision decision) override;
     void tooDeep(const WalkedFolder& folder) override;
     void couldNotOpen(const WalkedFolder& folder, int error) override;

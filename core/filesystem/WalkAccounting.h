@@ -34,6 +34,8 @@ enum class ListingEnd { whole, failed, stopped };
 /// but the subfolders that can be entered; what it keeps of each file must not grow with the number of files.
 class FolderNotes : public EntrySink {
 public:
+    /// The name of a subfolder that can be entered; its own listing comes later.
+    virtual void subfolder(std::string_view /*name*/) {}
     /// Forgets everything and keeps its memory, to serve the next folder.
     virtual void clear() = 0;
     /// Bytes held beyond its own size.
@@ -53,7 +55,8 @@ public:
     /// May ready the notes for the folder that they will serve, from those of the folder around it (none at the root).
     /// Comes ahead of the walk's order, as `decide` does.
     virtual void prepare(const WalkedFolder& /*folder*/, const FolderNotes* /*parent*/, FolderNotes& /*notes*/) {}
-    virtual WalkDecision decide(const WalkedFolder& folder) = 0;
+    /// `around` are the notes of the folder that holds it, which is listed.
+    virtual WalkDecision decide(const WalkedFolder& folder, const FolderNotes& around) = 0;
 
     virtual void leftOut(const WalkedFolder& folder, WalkDecision decision) = 0;
     virtual void tooDeep(const WalkedFolder& folder) = 0;

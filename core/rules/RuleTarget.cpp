@@ -1,6 +1,7 @@
 #include "rules/RuleTarget.h"
 
 #include "base/Visit.h"
+#include "rules/ArtifactFacts.h"
 #include "rules/PresetCatalog.h"
 #include "rules/RuleFields.h"
 #include "stores/JSONCoding.h"
@@ -19,11 +20,11 @@ std::string presetDefinition(const PresetTarget& target, const PresetCatalog& ca
 }
 
 std::string projectScanDefinition(const ProjectScanTarget& target) {
-    std::vector<JSONMember> folders;
-    folders.reserve(target.kinds.size());
+    std::vector<JSONMember> kinds;
+    kinds.reserve(target.kinds.size());
     for (const ArtifactKind kind : target.kinds)
-        folders.emplace_back(std::string(namesOf(kind).storedName), namesOf(kind).folderName);
-    return "projectScan;" + compactJSON(JSONObject(std::move(folders)));
+        kinds.emplace_back(std::string(namesOf(kind).storedName), factsOf(kind).definition());
+    return "projectScan;" + compactJSON(JSONObject(std::move(kinds)));
 }
 
 }  // namespace

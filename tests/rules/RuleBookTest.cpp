@@ -92,8 +92,12 @@ TEST(RuleBookTest, definesWhatATargetStandsFor) {
         R"(preset:own-names;{"ageBasis":"modified","excludePatterns":[],"minAgeDays":null,"namePatterns":["*.log"],)"
         R"("scope":"topLevelItems","semanticsRevision":1,)"
         R"("sources":[{"path":"Library/Caches/each-item","type":"home"}],"trashOnly":false,"usedBeside":[]})");
-    EXPECT_EQ(definition(ProjectScanTarget{{"/code"}, {ArtifactKind::venv, ArtifactKind::nodeModules}, 30}, catalog),
-              R"(projectScan;{"nodeModules":"node_modules","venv":".venv"})");
+    const auto scan =
+        definition(ProjectScanTarget{{"/code"}, {ArtifactKind::pycache, ArtifactKind::nodeModules}, 30}, catalog);
+    EXPECT_TRUE(scan.starts_with(R"(projectScan;{"nodeModules":"node_modules; beside package.json; npm: )")) << scan;
+    EXPECT_TRUE(scan.contains(R"("pycache":"__pycache__; beside Python files; Python: )"
+                              R"(anyOf(onlyFilesMatching:*.*.pyc), files *, folders ; never .git, )"))
+        << scan;
 }
 
 TEST(RuleBookTest, keepsItsRulesInOrderAndEachIdOnce) {

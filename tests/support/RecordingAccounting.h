@@ -18,7 +18,7 @@ public:
 
     [[nodiscard]] std::unique_ptr<FolderNotes> makeNotes() const override { return std::make_unique<Names>(); }
 
-    WalkDecision decide(const WalkedFolder& folder) override {
+    WalkDecision decide(const WalkedFolder& folder, const FolderNotes& /*around*/) override {
         say("decide ", folder);
         return {static_cast<std::uint8_t>(leaveOut(std::string(folder.path)))};
     }

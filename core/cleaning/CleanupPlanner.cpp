@@ -4,6 +4,7 @@
 
 #include "base/Glob.h"
 #include "cleaning/ItemSelection.h"
+#include "cleaning/ProjectCollector.h"
 #include "filesystem/ItemAccounting.h"
 #include "filesystem/LinkSet.h"
 #include "filesystem/ScreenshotName.h"
@@ -135,6 +136,12 @@ std::expected<CleanupPlan, PlanError> CleanupPlanner::plan(const Rule& rule, Dat
     plan.ruleID = rule.id;
     plan.terms = {rule.target, rule.filter, rule.action};
     plan.createdAt = now;
+    if (const auto* scan = std::get_if<ProjectScanTarget>(&rule.target)) {
+        auto error = ProjectCollector(*this, rule, *scan, now, budget.isCancelled, plan).collect(*roots);
+        if (wasCancelled) return std::unexpected(PlanError::of(PlanError::Kind::cancelled));
+        if (error) return std::unexpected(*std::move(error));
+        return plan;
+    }
     PartCollector collector(*this, rule, now, budget, *std::move(names), *std::move(exclusions), std::move(presetItems),
                             plan);
     for (const auto& root : *roots) {

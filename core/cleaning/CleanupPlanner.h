@@ -38,6 +38,8 @@ struct CleanupPlanner {
     Clock clock = &Date::now;
     /// For the whole plan. Items not measured by then are skipped as timed out.
     Duration timeLimit = std::chrono::seconds(30);
+    /// For looking through the code folders of a project scan, before any item is measured.
+    Duration projectScanBudget = std::chrono::seconds(120);
     VolumeQuestions volume = {};
     std::shared_ptr<FolderSource> source = std::make_shared<SystemFolderSource>();
     /// Threads that list ahead; the plan is the same for any number.

@@ -47,6 +47,24 @@ void ItemSelection::take(MeasuredItem&& item) {
         plan.skipped.push_back({std::move(url), SkipReason::tooRecent, std::nullopt});
         return;
     }
+    plans(std::move(url), item, ageDate);
+}
+
+void ItemSelection::takeBuildFolder(std::filesystem::path url, const ProjectStamp& project, MeasuredItem&& item) {
+    if (auto reason = reasonToSkip(item)) {
+        // It holds what no tool leaves there: a person made the folder, or uses it.
+        if (reason == SkipReason::containsExcluded) reason = SkipReason::noToolSignature;
+        auto refusal = reason == SkipReason::protectedPlace ? std::move(item.facts.protectedRefusal) : std::nullopt;
+        plan.skipped.push_back({std::move(url), *reason, std::move(refusal)});
+        return;
+    }
+    const auto* scan = std::get_if<ProjectScanTarget>(&rule.target);
+    const bool isInUse = scan == nullptr || item.facts.newestUse > now - std::chrono::days(scan->untouchedDays);
+    if (!isInUse) plans(std::move(url), item, project.newestSource, project);
+}
+
+void ItemSelection::plans(std::filesystem::path&& url, const MeasuredItem& item, Date ageDate,
+                          std::optional<ProjectStamp> project) {
     PlannedItem planned;
     planned.url = std::move(url);
     planned.bytes = item.facts.bytes;
@@ -58,6 +76,7 @@ void ItemSelection::take(MeasuredItem&& item) {
     planned.isDirectory = item.type == EntryType::folder;
     planned.fileCount = item.facts.fileCount;
     planned.rootIndex = rootIndex;
+    planned.project = std::move(project);
     plan.items.push_back(std::move(planned));
     const bool lacksAddedDate = rule.filter.ageBasis == AgeBasis::modified && !root.recordsAddedDates;
     plan.limitedDates = plan.limitedDates || lacksAddedDate;

@@ -26,8 +26,12 @@ public:
         : rule(forRule), root(ofRoot), rootIndex(index), now(date), plan(into), preset(ofPreset) {}
 
     void take(MeasuredItem&& item);
+    /// The same for a build folder of an untouched project, the rule being a project scan.
+    void takeBuildFolder(std::filesystem::path url, const ProjectStamp& project, MeasuredItem&& item);
 
 private:
+    void plans(std::filesystem::path&& url, const MeasuredItem& item, Date ageDate,
+               std::optional<ProjectStamp> project = {});
     [[nodiscard]] std::filesystem::path urlOf(const MeasuredItem& item) const;
     [[nodiscard]] bool isOldEnough(const MeasuredItem& item, const std::filesystem::path& url, Date ageDate) const;
 

@@ -11,6 +11,7 @@
 #include "platform/OwnedDescriptor.h"
 #include "rules/PresetCatalog.h"
 #include "rules/PresetLimits.h"
+#include "rules/RuleSentences.h"
 
 namespace vostrel {
 
@@ -42,6 +43,12 @@ std::optional<PlanError> presetProblem(const Rule& rule, const Preset* preset) {
     if (!preset) return PlanError::of(Kind::presetUnknown);
     if (auto problem = presetActionProblem(rule.action, *preset)) return PlanError{Kind::actionNotAllowed, *problem};
     if (auto problem = presetFilterProblem(rule.filter, *preset)) return PlanError{Kind::filterNotAllowed, *problem};
+    return std::nullopt;
+}
+
+std::optional<PlanError> projectScanProblem(const ProjectScanTarget& scan, const RuleFilter& filter) {
+    if (filter.picksByAgeSizeOrName()) return PlanError{Kind::filterNotAllowed, sentences::projectScanHasNoFilters};
+    if (!scan.hasValidDays()) return PlanError{Kind::filterNotAllowed, sentences::untouchedDaysOutOfRange};
     return std::nullopt;
 }
 
@@ -91,7 +98,7 @@ std::expected<std::vector<ResolvedRoot>, PlanError> RootOpening::resolve(const R
     const auto unplanned = visit(
         rule.target, [](const FolderTarget&) { return std::optional<PlanError>{}; },
         [&](const PresetTarget& target) { return presetProblem(rule, catalog.preset(target.id)); },
-        [](const ProjectScanTarget&) { return std::optional(PlanError::of(Kind::rootMissing)); });
+        [&](const ProjectScanTarget& scan) { return projectScanProblem(scan, rule.filter); });
     if (unplanned) return std::unexpected(*unplanned);
     auto roots = resolver.resolve(rule.target, catalog);
     if (!roots) return std::unexpected(errorOf(roots.error()));

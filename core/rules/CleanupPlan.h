@@ -68,7 +68,7 @@ struct PlannedItem {
 struct SkippedItem {
     std::filesystem::path url;
     SkipReason reason = SkipReason::unreadable;
-    /// The path guards' own sentence about a protected place.
+    /// The path guards' own sentence about a protected place, or that a search ran out of time in this folder.
     std::optional<std::string> refusal;
 
     friend bool operator==(const SkippedItem&, const SkippedItem&) = default;

@@ -27,6 +27,10 @@ bool RuleFilter::pinsAllow(std::string_view name, std::uint64_t inode, std::stri
     });
 }
 
+bool RuleFilter::picksByAgeSizeOrName() const {
+    return minAgeDays || minSizeBytes || !includeGlobs.empty() || !excludeGlobs.empty() || !pinnedFiles.empty();
+}
+
 std::vector<std::string> RuleFilter::chosenFilesProblems() const {
     const bool onlyTopLevelFiles = scope == RuleScope::topLevelFiles;
     std::vector<std::string> problems;

@@ -32,6 +32,9 @@ struct RuleFilter {
     /// Whether a file may be taken as far as the chosen files say: it is one of them, or none were chosen.
     [[nodiscard]] bool pinsAllow(std::string_view name, std::uint64_t inode, std::string_view volumeUUID) const;
 
+    /// Whether it limits items by age, size or name at all.
+    [[nodiscard]] bool picksByAgeSizeOrName() const;
+
     /// What is wrong with the chosen files, as sentences.
     [[nodiscard]] std::vector<std::string> chosenFilesProblems() const;
 

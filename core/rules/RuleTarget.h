@@ -29,6 +29,8 @@ struct ProjectScanTarget {
     std::vector<std::filesystem::path> roots;
     std::set<ArtifactKind> kinds;
     int untouchedDays = 0;
+
+    [[nodiscard]] bool hasValidDays() const { return untouchedDays >= 1 && untouchedDays <= 3650; }
     friend bool operator==(const ProjectScanTarget&, const ProjectScanTarget&) = default;
 };
 

@@ -35,11 +35,6 @@ public:
     Strings sentences;
 };
 
-bool picksByAgeSizeOrName(const RuleFilter& filter) {
-    return filter.minAgeDays || filter.minSizeBytes || !filter.includeGlobs.empty() || !filter.excludeGlobs.empty() ||
-           !filter.pinnedFiles.empty();
-}
-
 bool listsAFolderTwice(const std::vector<std::filesystem::path>& folders) {
     std::set<std::string> known;
     return !std::ranges::all_of(folders, [&](const std::filesystem::path& folder) {
@@ -60,11 +55,11 @@ void checkPreset(const PresetTarget& target, const Rule& rule, const PresetCatal
 
 void checkProjectScan(const ProjectScanTarget& scan, const Rule& rule, const TargetResolver& resolver,
                       Problems& problems) {
-    problems.addIf(picksByAgeSizeOrName(rule.filter), sentences::projectScanHasNoFilters);
+    problems.addIf(rule.filter.picksByAgeSizeOrName(), sentences::projectScanHasNoFilters);
     problems.addIf(scan.roots.empty(), "Choose at least one code folder.");
     problems.addIf(listsAFolderTwice(scan.roots), "A code folder is listed twice.");
     problems.addIf(scan.kinds.empty(), "Choose at least one kind of folder to remove.");
-    problems.addIf(scan.untouchedDays < 1 || scan.untouchedDays > 3650, "Untouched days must be between 1 and 3650.");
+    problems.addIf(!scan.hasValidDays(), sentences::untouchedDaysOutOfRange);
     problems.addIf(!std::ranges::all_of(scan.roots, isFullPath), "Choose each code folder by its full path.");
     problems.addIf(std::ranges::any_of(scan.roots, [&](const auto& root) { return resolver.isInLibrary(root); }),
                    sentences::noProjectsInLibrary);

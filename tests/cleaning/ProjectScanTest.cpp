@@ -1,0 +1,511 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#ifdef __linux__
+#include <sys/mount.h>
+#endif
+
+#include <mutex>
+
+#include "cleaning/PlannerHome.h"
+#include "rules/ArtifactFacts.h"
+#include "rules/ProjectScanner.h"
+#include "support/PrivateMounts.h"
+#include "support/SumOnDisk.h"
+
+namespace vostrel {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::days;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::UnorderedElementsAre;
+
+constexpr const char* planned = "planned";
+constexpr const char* unrecognised = "not recognized as a tool's folder";
+
+std::set<ArtifactKind> allKinds() {
+    std::set<ArtifactKind> kinds;
+    for (const auto& names : artifactKinds)
+        kinds.insert(names.kind);
+    return kinds;
+}
+
+class ProjectScanTest : public testing::Test {
+protected:
+    Rule rule() const {
+        Rule made = home.ruleOn("code");
+        made.target = ProjectScanTarget{{home / "code"}, allKinds(), 30};
+        return made;
+    }
+    Verdicts verdictsOf(const Rule& rule) {
+        const auto plan = home.plan(rule);
+        if (!plan) return {{"the plan", plan.error().sentence}};
+        return home.verdicts(*plan);
+    }
+    /// Makes a file, a folder ("a/") or a link ("a -> b") below the home.
+    void make(const std::string& entry) const {
+        if (const auto arrow = entry.find(" -> "); arrow != std::string::npos) {
+            home.home.makeLink(entry.substr(0, arrow), entry.substr(arrow + 4));
+        } else if (entry.ends_with('/')) {
+            home.home.makeFolder(entry.substr(0, entry.size() - 1));
+        } else if (entry.ends_with("/CACHEDIR.TAG")) {
+            home.home.makeFile(entry, "Signature: 8a477f597d28d172789f06886806bc55\n# made by a tool");
+        } else {
+            home.home.makeFile(entry);
+        }
+    }
+    void makeAll(const std::string& folder, const std::vector<std::string>& entries) const {
+        for (const auto& entry : entries)
+            make(folder + "/" + entry);
+    }
+    void makeNodeProject(const std::string& folder) const {
+        makeAll(folder, {"package.json", "src/main.js", "node_modules/.package-lock.json", "node_modules/a/index.js"});
+    }
+    ProjectScanner::Discovery discover(unsigned helpers = 0) {
+        const auto status = statusOfPath(home / "code");
+        return ProjectScanner(home.planner.guards, *home.source, helpers)
+            .discover(home / "code", {}, {status->device, status->mount}, allKinds(), {});
+    }
+
+    PlannerHome home;
+};
+
+/// A build folder as its tool leaves it, and what a person would have to put in to make it theirs.
+struct Layout {
+    const char* name;
+    ArtifactKind kind;
+    std::vector<std::string> beside;
+    std::vector<std::string> content;
+    /// A file of a person's, in the folder; empty where anything may come from the sources.
+    const char* ofPerson;
+    /// Where a repository inside would lie; empty where the tool keeps repositories itself.
+    const char* inner;
+};
+
+const std::vector<Layout>& layouts() {
+    static const std::vector<Layout> all{
+        {"npm",
+         ArtifactKind::nodeModules,
+         {"package.json"},
+         {".package-lock.json", ".bin/tool -> ../a/tool.js", "a/package.json", "@b/c/index.ts"},
+         "mine.js",
+         "a"},
+        {"yarn", ArtifactKind::nodeModules, {"package.json"}, {".yarn-integrity", "a/index.js"}, "mine.js", "a"},
+        {"yarn-2", ArtifactKind::nodeModules, {"package.json"}, {".yarn-state.yml", "a/index.js"}, "mine.js", "a"},
+        {"pnpm",
+         ArtifactKind::nodeModules,
+         {"package.json"},
+         {".modules.yaml", ".pnpm/a@1/node_modules/a/index.js", "a -> .pnpm/a@1/node_modules/a"},
+         "mine.js",
+         ".pnpm"},
+        {"workspace",
+         ArtifactKind::nodeModules,
+         {"package.json"},
+         {".bin/tool -> ../a/tool.js", "a/index.js"},
+         ".bin/mine",
+         "a"},
+        {"next",
+         ArtifactKind::nextBuild,
+         {"package.json"},
+         {"BUILD_ID", "build-manifest.json", "trace", "server/app/page.js", "static/chunks/a.js", "cache/"},
+         "notes.txt",
+         "server"},
+        {"next-dev",
+         ArtifactKind::nextBuild,
+         {"package.json"},
+         {"build-manifest.json", "server/page.js", "static/a.js"},
+         "server/page.tsx",
+         "server"},
+        {"nuxt",
+         ArtifactKind::nuxtBuild,
+         {"nuxt.config.ts"},
+         {"nuxt.d.ts", "tsconfig.json", "types/imports.d.ts"},
+         "page.vue",
+         "types"},
+        {"turbo",
+         ArtifactKind::turboCache,
+         {"turbo.json"},
+         {"cache/0123456789abcdef.tar.zst", "cookies/1.cookie"},
+         "config.json",
+         "cache"},
+        {"parcel",
+         ArtifactKind::parcelCache,
+         {"package.json"},
+         {"data.mdb", "lock.mdb", "snapshot-1.txt", "0123456789abcdef-AssetGraph-0"},
+         "notes.md",
+         ""},
+        {"vite",
+         ArtifactKind::dist,
+         {"vite.config.ts"},
+         {"index.html", "favicon.ico", "assets/index-B8sKq2xZ.js", "assets/index-DiwrgTda.css"},
+         "main.tsx",
+         "assets"},
+        {"vite-manifest",
+         ArtifactKind::dist,
+         {"vite.config.js"},
+         {".vite/manifest.json", "assets/a.js"},
+         "assets/a.scss",
+         "assets"},
+        {"angular",
+         ArtifactKind::dist,
+         {"angular.json"},
+         {"app/3rdpartylicenses.txt", "app/browser/index.html"},
+         "app/app.component.ts",
+         "app"},
+        {"astro",
+         ArtifactKind::dist,
+         {"astro.config.mjs"},
+         {"index.html", "_astro/page.B8sKq2xZ.css"},
+         "page.astro",
+         "_astro"},
+        {"cargo",
+         ArtifactKind::target,
+         {"Cargo.toml"},
+         {"CACHEDIR.TAG", ".rustc_info.json", "debug/.fingerprint/a/lib", "aarch64-apple-darwin/release/a"},
+         "plans.txt",
+         "debug"},
+        {"maven",
+         ArtifactKind::target,
+         {"pom.xml"},
+         {"classes/A.class", "maven-archiver/pom.properties", "a-1.0.jar"},
+         "notes/read me.txt",
+         "classes"},
+        {"swift",
+         ArtifactKind::swiftBuild,
+         {"Package.swift"},
+         {"workspace-state.json", "checkouts/dependency/.git/HEAD", "debug -> arm64-apple-macosx/debug",
+          "arm64-apple-macosx/debug/a.build/a.o"},
+         "Sources/a.swift",
+         ""},
+        {"pods",
+         ArtifactKind::pods,
+         {"Podfile", "Podfile.lock"},
+         {"Manifest.lock", "Pods.xcodeproj/project.pbxproj", "Target Support Files/a.xcconfig", "Lib/a.m"},
+         "mine.m",
+         "Lib"},
+        {"gradle",
+         ArtifactKind::gradleBuild,
+         {"build.gradle.kts"},
+         {"classes/java/main/A.class", "tmp/compileJava/previous-compilation-data.bin", "libs/a.jar"},
+         "notes.txt",
+         "classes"},
+        {"android",
+         ArtifactKind::gradleBuild,
+         {"build.gradle"},
+         {"intermediates/a/b", "outputs/logs/manifest-merger-debug-report.txt", "generated/R.java"},
+         "icons/a.svg",
+         "generated"},
+        {"gradle-cache",
+         ArtifactKind::gradleCache,
+         {"settings.gradle"},
+         {"8.5/gc.properties", "8.5/fileHashes/fileHashes.lock", "buildOutputCleanup/cache.properties"},
+         "gradle.properties",
+         "8.5"},
+        {"python", ArtifactKind::pycache, {"a.py"}, {"a.cpython-311.pyc", "b.cpython-311.opt-1.pyc"}, "a.py", ""},
+        {"pytest",
+         ArtifactKind::pytestCache,
+         {"a.py"},
+         {"CACHEDIR.TAG", "README.md", ".gitignore", "v/cache/nodeids"},
+         "notes.md",
+         "v"},
+        {"venv",
+         ArtifactKind::venv,
+         {"requirements.txt"},
+         {"pyvenv.cfg", "bin/activate", "bin/python -> /usr/bin/python3", "lib/python3.11/site-packages/a.py"},
+         "src/editable/setup.py",
+         "lib"},
+        {"xcode",
+         ArtifactKind::xcodeDerivedData,
+         {"App.xcodeproj/project.pbxproj"},
+         {"App-abcdefghijklmnopqrstuvwxyzab/info.plist", "ModuleCache.noindex/a"},
+         "App/info.plist",
+         ""},
+        {"xcodebuild",
+         ArtifactKind::xcodeDerivedData,
+         {"Package.swift"},
+         {"info.plist", "Build/Products/a", "Logs/Build/a", "SourcePackages/checkouts/a/.git/HEAD"},
+         "notes.txt",
+         ""},
+    };
+    return all;
+}
+
+TEST_F(ProjectScanTest, plansWhatAToolMadeAndLeavesEveryNearMiss) {
+    Verdicts expected;
+    for (const auto& layout : layouts()) {
+        const std::string folder(namesOf(layout.kind).folderName);
+        const auto plant = [&](const std::string& project, const char* verdict) {
+            const std::string path = "code/" + std::string(layout.name) + "/" + project;
+            makeAll(path, layout.beside);
+            makeAll(path + "/" + folder, layout.content);
+            if (verdict != nullptr) expected[path + "/" + folder] = verdict;
+            return path;
+        };
+        plant("made", planned);
+        const auto unmarked = plant("unmarked", unrecognised);
+        for (const auto& marker : layout.beside)
+            std::filesystem::remove_all(home / (unmarked + "/" + marker.substr(0, marker.find('/'))));
+        plant("in a package.app", nullptr);
+        const std::string person = plant("a person's", unrecognised) + "/" + folder + "/" + layout.ofPerson;
+        make(person);
+        if (*layout.inner != 0)
+            make(plant("with a repository", unrecognised) + "/" + folder + "/" + layout.inner + "/x/.git/HEAD");
+        const std::string byHand = "code/" + std::string(layout.name) + "/";
+        makeAll(byHand + "by hand", layout.beside);
+        makeAll(byHand + "by hand/" + folder, {"notes.txt", "drafts/one.txt"});
+        expected[byHand + "by hand/" + folder] = unrecognised;
+        makeAll(byHand + "linked", layout.beside);
+        make(byHand + "linked/" + folder + " -> " + (home / (byHand + "made/" + folder)).native());
+        expected[byHand + "linked/" + folder] = "that is a link";
+    }
+
+    const auto said = verdictsOf(rule());
+
+    EXPECT_THAT(said, testing::ContainerEq(expected));
+    std::set<ArtifactKind> covered;
+    for (const auto& layout : layouts())
+        covered.insert(layout.kind);
+    EXPECT_EQ(covered, allKinds());
+}
+
+TEST_F(ProjectScanTest, takesABareFileOfTheTagsNameForNoTag) {
+    makeAll("code/a", {"Cargo.toml", "target/.rustc_info.json", "target/debug/a"});
+    home.home.makeFile("code/a/target/CACHEDIR.TAG", "my own words");
+
+    EXPECT_THAT(verdictsOf(rule()), ElementsAre(Pair("code/a/target", unrecognised)));
+}
+
+TEST_F(ProjectScanTest, recordsEveryFactOfABuildFolderAndItsProject) {
+    makeNodeProject("code/a");
+    home.home.makeFile("code/a/node_modules/a/big.bin", std::string(50'000, 'x'));
+    makeAll("code/py", {"pyproject.toml", "deep/er/a.py", "deep/er/__pycache__/a.cpython-312.pyc"});
+
+    const auto plan = home.plan(rule());
+
+    ASSERT_TRUE(plan) << plan.error().sentence;
+    ASSERT_EQ(plan->items.size(), 2U);
+    EXPECT_EQ(plan->totalBytes(), test::sumOnDisk(home / "code/a/node_modules").allocatedBytes +
+                                      test::sumOnDisk(home / "code/py/deep/er/__pycache__").allocatedBytes);
+    const PlannedItem& packages = plan->items.at(0);
+    const auto folder = statusOfPath(home / "code/a/node_modules");
+    const auto around = statusOfPath(home / "code/a");
+    EXPECT_EQ(packages.fileID, folder->inode);
+    EXPECT_EQ(packages.parent, (FileIdentity{around->device, around->inode}));
+    EXPECT_EQ(packages.fileCount, 3);
+    ASSERT_TRUE(packages.project);
+    EXPECT_EQ(packages.project->folder, home / "code/a");
+    EXPECT_EQ(packages.project->kind, ArtifactKind::nodeModules);
+    EXPECT_EQ(packages.ageDate, packages.project->newestSource);
+    EXPECT_EQ(plan->items.at(1).project->folder, home / "code/py");
+}
+
+TEST_F(ProjectScanTest, plansOnlyProjectsThatNobodyTouched) {
+    struct Case {
+        const char* name;
+        std::vector<std::string> entries;
+        /// Touched ten days ago.
+        const char* touched;
+        std::vector<std::string> expected;
+    };
+    const std::string deep = "d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/";  // 15 folders
+    const std::vector<Case> cases{
+        {"its own file", {}, "src/main.js", {}},
+        {"something in the build folder", {}, "node_modules/a/index.js", {}},
+        {"another build folder, looked past",
+         {"Cargo.toml", "target/CACHEDIR.TAG", "target/.rustc_info.json"},
+         "target/.rustc_info.json",
+         {"node_modules"}},
+        {"a folder that only has a build folder's name", {"target/notes.txt"}, "target/notes.txt", {}},
+        {"a deep source", {deep + "d/a.c"}, "d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/a.c", {}},
+        {"a source too deep to look at", {deep + "d/d/a.c"}, "d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/a.c", {"node_modules"}},
+        {"a project inside", {"in/package.json", "in/node_modules/.package-lock.json"}, "in/package.json", {}},
+        {"the project around",
+         {"in/package.json", "in/node_modules/.package-lock.json"},
+         "package.json",
+         {"in/node_modules"}},
+        {"a file in a package", {"App.app/Contents/a"}, "App.app/Contents/a", {}},
+        {"the Python project around bytecode",
+         {"setup.py", "a/b.py", "a/__pycache__/b.cpython-311.pyc"},
+         "setup.py",
+         {}},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.name);
+        std::filesystem::remove_all(home / "code");
+        makeNodeProject("code/p");
+        makeAll("code/p", each.entries);
+        home.setAge("code/p/" + std::string(each.touched), days(10));
+        std::vector<std::string> went;
+        for (const auto& [path, verdict] : verdictsOf(rule())) {
+            if (verdict == planned) went.push_back(path.substr(std::string("code/p/").size()));
+        }
+        EXPECT_EQ(went, each.expected);
+        Rule patient = rule();
+        std::get<ProjectScanTarget>(patient.target).untouchedDays = 9;
+        EXPECT_THAT(verdictsOf(patient), Contains(Pair("code/p/node_modules", planned)));
+    }
+}
+
+TEST_F(ProjectScanTest, looksFiveFoldersDownAndNeverIntoWhatItFound) {
+    makeNodeProject("code/1/2/3/4");
+    makeNodeProject("code/1/2/3/4b/5");
+    makeNodeProject("code/p");
+    makeAll("code/p/node_modules/a", {"package.json", "node_modules/.package-lock.json", "deep/x"});
+    makeAll("code/q", {"package.json", "node_modules/mine.js", "node_modules/a/package.json",
+                       "node_modules/a/node_modules/.package-lock.json"});
+    makeNodeProject("elsewhere/project");
+    make("code/r/link -> " + (home / "elsewhere").native());
+    std::mutex lock;
+    std::vector<std::string> opened;
+    home.source->onOpen = [&](const std::string& path) {
+        const std::lock_guard guard(lock);
+        opened.push_back(std::filesystem::path(path).lexically_relative(home / "code"));
+        return 0;
+    };
+
+    const auto found = discover();
+
+    std::vector<std::filesystem::path> artifacts;
+    for (const auto& candidate : found.candidates)
+        artifacts.push_back(candidate.artifact.lexically_relative(home / "code"));
+    EXPECT_THAT(artifacts, ElementsAre("1/2/3/4/node_modules", "p/node_modules"));
+    EXPECT_EQ(found.leftOut.size(), 1U);
+    EXPECT_THAT(opened, Contains("p/node_modules").Times(1));
+    EXPECT_THAT(opened, testing::Not(Contains(HasSubstr("p/node_modules/"))));
+    EXPECT_THAT(opened, testing::Not(Contains(HasSubstr("link"))));
+    const auto ahead = discover(3);
+    EXPECT_EQ(ahead.leftOut, found.leftOut);
+    ASSERT_EQ(ahead.candidates.size(), found.candidates.size());
+    for (std::size_t at = 0; at < ahead.candidates.size(); ++at)
+        EXPECT_EQ(ahead.candidates[at].stamp(), found.candidates[at].stamp());
+}
+
+TEST_F(ProjectScanTest, leavesAProjectWhoseSourcesItCouldNotRead) {
+    makeNodeProject("code/fine");
+    makeNodeProject("code/folder");
+    makeNodeProject("code/file");
+    makeNodeProject("code/mount");
+    makeNodeProject("code/photos");
+    make("code/mount/src/mounted");
+    make("code/photos/Family.photoslibrary/a");
+    home.source->onOpen = [](const std::string& path) { return path.ends_with("/folder/src") ? EACCES : 0; };
+    home.source->onEntry = [broken = statusOfPath(home / "code/file/src/main.js")->inode](FolderEntry& entry) {
+        if (entry.name == "mounted") entry.mountStatus = entryIsMountPoint;
+        if (entry.fileID == broken) entry.error = EIO;
+    };
+
+    EXPECT_THAT(verdictsOf(rule()), UnorderedElementsAre(Pair("code/fine/node_modules", planned),
+                                                         Pair("code/folder/node_modules", "Vostrel could not read"),
+                                                         Pair("code/folder/src", "Vostrel could not read"),
+                                                         Pair("code/file/node_modules", "Vostrel could not read"),
+                                                         Pair("code/file/src/main.js", "Vostrel could not read"),
+                                                         Pair("code/mount/node_modules", "on another disk"),
+                                                         Pair("code/photos/node_modules", planned)));
+}
+
+TEST_F(ProjectScanTest, saysWhereItRanOutOfTime) {
+    for (int number = 0; number < 10; ++number)
+        makeNodeProject("code/" + std::to_string(number));
+    CleanupPlanner planner = home.planner;
+    auto seconds = std::make_shared<int>(0);
+    planner.clock = [seconds, start = home.now] { return start + std::chrono::seconds(++*seconds); };
+    planner.projectScanBudget = 20s;
+    planner.helpers = 0;
+
+    const auto plan = planner.plan(rule(), home.now);
+
+    ASSERT_TRUE(plan);
+    EXPECT_LT(plan->items.size(), 10U);
+    const auto last = std::ranges::find(plan->skipped, home / "code", &SkippedItem::url);
+    ASSERT_NE(last, plan->skipped.end());
+    EXPECT_EQ(last->reason, SkipReason::timedOut);
+    EXPECT_EQ(last->refusal, "Vostrel ran out of time looking for projects in ~/code, so it may have missed some.");
+
+    planner.projectScanBudget = 120s;
+    planner.timeLimit = -1s;  // no time left to measure anything
+    const auto unmeasured = home.verdicts(*planner.plan(rule(), home.now));
+    EXPECT_THAT(unmeasured, Contains(Pair("code/3/node_modules", "not checked in time")));
+    int asked = 0;
+    const auto cancelled = planner.plan(rule(), home.now, [&] { return ++asked > 15; });
+    EXPECT_EQ(cancelled.error(), PlanError::of(PlanError::Kind::cancelled));
+}
+
+TEST_F(ProjectScanTest, refusesWhatNoProjectScanMayBe) {
+    home.home.makeFolder("code/inner");
+    home.home.makeFolder("Library/Developer");
+    struct Case {
+        std::function<void(Rule&, ProjectScanTarget&)> edit;
+        PlanError error;
+    };
+    const std::vector<Case> cases{
+        {[](Rule& rule, ProjectScanTarget&) { rule.filter.minAgeDays = 5; },
+         {PlanError::Kind::filterNotAllowed,
+          "A project scan picks projects by how long they have been untouched, so it has no age, size or name "
+          "filters."}},
+        {[](Rule&, ProjectScanTarget& scan) { scan.untouchedDays = 0; },
+         {PlanError::Kind::filterNotAllowed, "Untouched days must be between 1 and 3650."}},
+        {[&](Rule&, ProjectScanTarget& scan) { scan.roots.push_back(home / "Library/Developer"); },
+         {PlanError::Kind::protectedRoot,
+          "Vostrel does not look for projects inside ~/Library, where apps keep their own files."}},
+        {[&](Rule&, ProjectScanTarget& scan) { scan.roots.push_back(home / "code/inner"); },
+         PlanError::of(PlanError::Kind::overlappingRoots)},
+        {[&](Rule&, ProjectScanTarget& scan) { scan.roots = {home / "gone"}; },
+         PlanError::of(PlanError::Kind::rootMissing)},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.error.sentence);
+        Rule edited = rule();
+        each.edit(edited, std::get<ProjectScanTarget>(edited.target));
+        const auto plan = home.plan(edited);
+        ASSERT_FALSE(plan);
+        EXPECT_EQ(plan.error(), each.error);
+    }
+}
+
+TEST_F(ProjectScanTest, tellsAProjectsNewestSourceAgain) {
+    makeNodeProject("code/a");
+    home.setAge("code/a/src/main.js", days(3));
+    const ProjectScanner scanner(home.planner.guards, *home.source, 0);
+    const auto found = discover();
+    ASSERT_EQ(found.candidates.size(), 1U);
+
+    EXPECT_EQ(scanner.newestSource(home / "code/a", {}, {}), found.candidates[0].newestSource);
+    EXPECT_EQ(found.candidates[0].newestSource, home.now - days(3));
+
+    home.setAge("code/a/src/main.js", days(50));
+    const auto before = scanner.newestSource(home / "code/a", {}, {}, {home / "code/a"});
+    std::filesystem::remove_all(home / "code/a/node_modules");
+    EXPECT_NE(scanner.newestSource(home / "code/a", {}, {}), before);
+    EXPECT_EQ(scanner.newestSource(home / "code/a", {}, {}, {home / "code/a"}), before);
+
+    home.source->onOpen = [](const std::string& path) { return path.ends_with("/src") ? EIO : 0; };
+    EXPECT_EQ(scanner.newestSource(home / "code/a", {}, {}), std::nullopt);
+    EXPECT_EQ(scanner.newestSource(home / "gone", {}, {}), std::nullopt);
+}
+
+TEST_F(ProjectScanTest, entersNoOtherVolume) {
+#ifdef __linux__
+    makeNodeProject("code/a");
+    makeNodeProject("code/b");
+    home.home.makeFolder("code/b/vendor");
+    makeNodeProject("elsewhere");
+    Verdicts said;
+    const bool ran = withPrivateMounts([&] {
+        ASSERT_EQ(mount((home / "elsewhere/node_modules").c_str(), (home / "code/a/node_modules").c_str(), nullptr,
+                        MS_BIND, nullptr),
+                  0);
+        ASSERT_EQ(mount((home / "elsewhere").c_str(), (home / "code/b/vendor").c_str(), nullptr, MS_BIND, nullptr), 0);
+        said = verdictsOf(rule());
+    });
+    if (!ran) GTEST_SKIP() << "no mounts of one's own here";
+    EXPECT_THAT(said, UnorderedElementsAre(Pair("code/a/node_modules", "on another disk"),
+                                           Pair("code/b/node_modules", "on another disk")));
+#endif
+}
+
+}  // namespace
+}  // namespace vostrel

@@ -74,7 +74,7 @@ public:
     CommandResult run() {
         introduce();
         showRefusals();
-        Rule rule = oldDownloads(sample, session.clock());
+        const Rule rule = oldDownloads(sample, session.clock());
         if (auto made = makeRule(rule); !made) return made;
         const auto plan = preview(rule);
         if (!plan) return failed(plan.error().sentence);

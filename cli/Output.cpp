@@ -89,7 +89,7 @@ void Output::table(const std::vector<Row>& rows, const std::vector<Alignment>& a
     }
 }
 
-CommandResult Output::document(const JSONValue& value) {
+CommandResult Output::document(const JSONValue& value) const {
     if (isForPeople()) return {};
     const auto text = JSONCoding::encoder(JSONLayout::pretty).encode(value);
     if (!text) return failed("The result could not be written as JSON: " + text.error().text());

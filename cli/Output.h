@@ -38,7 +38,7 @@ public:
     /// Rows whose columns stand under one another, each line set in by two spaces.
     void table(const std::vector<Row>& rows, const std::vector<Alignment>& alignments);
     /// The JSON document; nothing in the form for people.
-    [[nodiscard]] CommandResult document(const JSONValue& value);
+    [[nodiscard]] CommandResult document(const JSONValue& value) const;
     /// A sentence that people should know and that is no failure: to standard error.
     void notice(std::string_view sentence);
     /// Why a command failed: to standard error, and as the document {"error": …}.

@@ -11,8 +11,8 @@ namespace vostrel::cli {
 
 /// An option whose text is read by `parse` and given to `take`; what cannot be read is an error that names it.
 template <class Parse, class Take>
-CLI::Option* addParsed(CLI::App& command, const std::string& name, const std::string& type, Parse parse, Take take,
-                       const std::string& description) {
+CLI::Option* addParsed(CLI::App& command, const std::string& name, const std::string& type, Parse parse,
+                       const Take& take, const std::string& description) {
     const auto read = [name, parse, take](const std::vector<std::string>& texts) {
         for (const std::string& text : texts) {
             auto value = parse(text);

@@ -21,7 +21,7 @@ constexpr const char* folderOfData = "vostrel";
 
 std::expected<fs::path, Failure> namedHome(const fs::path& named) {
     std::error_code problem;
-    const fs::path home = fs::canonical(named, problem);
+    fs::path home = fs::canonical(named, problem);
     struct stat facts = {};
     if (problem || ::stat(home.c_str(), &facts) != 0 || !S_ISDIR(facts.st_mode))
         return wrongCommandLine("--home: there is no folder " + named.native() + ".");
@@ -33,7 +33,7 @@ std::expected<fs::path, Failure> namedHome(const fs::path& named) {
 
 std::expected<fs::path, Failure> ownHome() {
     std::error_code problem;
-    const fs::path home = fs::canonical(accountHome(), problem);
+    fs::path home = fs::canonical(accountHome(), problem);
     if (problem) return failed("Your account has no home folder. Name one with --home.");
     return home;
 }

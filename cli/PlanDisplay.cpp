@@ -77,8 +77,9 @@ void showSkipped(Output& output, const PathGuards& guards, const CleanupPlan& pl
         output.line({"  " + countedPhrase(reason, items.size())});
         const auto shown = std::min(items.size(), mostSkippedShown);
         for (std::size_t at = 0; at < shown; ++at) {
-            const std::string path = guards.displayPath(items[at]->url);
-            output.line({"    " + path, {items[at]->refusal ? "  " + *items[at]->refusal : "", Style::dim}});
+            const SkippedItem& item = *items[at];
+            const std::string refusal = item.refusal ? "  " + *item.refusal : "";
+            output.line({"    " + guards.displayPath(item.url), {refusal, Style::dim}});
         }
         if (items.size() > shown)
             output.line({{fmt::format("    … and {} more", grouped(static_cast<std::int64_t>(items.size() - shown))),
@@ -125,7 +126,7 @@ JSONValue documentOf(const CleanupPlan& plan, bool isApproved) {
     JSONArray skipped;
     for (const auto& item : plan.skipped) {
         std::vector<JSONMember> entry{{"path", encodeJSON(item.url)}, {"reason", encodeJSON(item.reason)}};
-        if (item.refusal) entry.push_back({"sentence", encodeJSON(*item.refusal)});
+        if (item.refusal) entry.emplace_back("sentence", encodeJSON(*item.refusal));
         skipped.emplace_back(JSONObject(std::move(entry)));
     }
     return JSONObject{{"ruleID", encodeJSON(plan.ruleID)},

@@ -43,7 +43,7 @@ Parsed<std::string> anyText(std::string text) {
 fs::path asGiven(const fs::path& path) {
     if (path.empty()) return path;
     std::error_code problem;
-    fs::path whole = path.is_absolute() ? path : fs::current_path(problem) / path;
+    const fs::path whole = path.is_absolute() ? path : fs::current_path(problem) / path;
     for (const fs::path& part : whole) {
         if (part == "." || part == "..") return fs::weakly_canonical(whole, problem);
     }
@@ -106,7 +106,7 @@ void RuleOptions::addFilter(CLI::App& command) {
         command, "--scope", "SCOPE", parseWord<RuleScope>, [this](RuleScope word) { scope = word; },
         "topLevelItems (each item directly in the folder), allFiles or topLevelFiles");
     takesMany(addParsed(
-        command, "--pin", "FILE", anyText, [this](std::string file) { pins.emplace_back(file); },
+        command, "--pin", "FILE", anyText, [this](const std::string& file) { pins.emplace_back(file); },
         "Take only these files of the folder"));
 }
 
@@ -153,7 +153,7 @@ std::expected<Rule, Failure> RuleOptions::rule(Date now) const {
     rule.filter = filter;
     rule.filter.scope = scope.value_or(pins.empty() ? RuleScope::topLevelItems : RuleScope::topLevelFiles);
     for (const fs::path& file : pins) {
-        auto chosen = chosenFile(*folder, file);
+        auto chosen = chosenFile(folder.value_or(fs::path()), file);
         if (!chosen) return std::unexpected(chosen.error());
         rule.filter.pinnedFiles.push_back(std::move(*chosen));
     }

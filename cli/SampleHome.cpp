@@ -1,12 +1,13 @@
 #include "cli/SampleHome.h"
 
 #include <fcntl.h>
-#include <stdlib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstdlib>
 #include <fstream>
 #include <system_error>
 #include <utility>

@@ -20,7 +20,9 @@ class SampleHome {
 public:
     /// Makes the folder and fills it; `present` is the demonstration's clock.
     static std::expected<SampleHome, SystemError> make(Date present);
+    SampleHome(const SampleHome&) = delete;
     SampleHome(SampleHome&& other) noexcept;
+    SampleHome& operator=(const SampleHome&) = delete;
     SampleHome& operator=(SampleHome&& other) = delete;
     ~SampleHome();
 

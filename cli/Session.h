@@ -21,6 +21,7 @@ public:
     Session(Output& messages, Clock present, Places where);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
+    ~Session() = default;
 
     Output& output;
     const Clock clock;
@@ -41,6 +42,7 @@ template <class Action>
     return [action = std::move(action)](Program& program) -> CommandResult {
         auto places = placesFor(program.options);
         if (!places) return std::unexpected(std::move(places.error()));
+        // NOLINTNEXTLINE(misc-const-correctness): most actions change something of it
         Session session(program.output, Date::now, std::move(*places));
         return action(session);
     };

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <exception>
 
 #include "base/Visit.h"
 #include "cli/CommandLine.h"
@@ -38,7 +39,13 @@ ExitStatus refuse(const WrongCommandLine& line) {
 
 int main(int count, char** arguments) {
     using namespace vostrel::cli;
-    return static_cast<int>(vostrel::visit(
-        readCommandLine(count, arguments), [](const Request& request) { return run(request); },
-        [](const Answer& text) { return answer(text); }, [](const WrongCommandLine& line) { return refuse(line); }));
+    try {
+        return static_cast<int>(vostrel::visit(
+            readCommandLine(count, arguments), [](const Request& request) { return run(request); },
+            [](const Answer& text) { return answer(text); },
+            [](const WrongCommandLine& line) { return refuse(line); }));
+    } catch (const std::exception& problem) {  // of memory, above all
+        std::fprintf(stderr, "vostrel had to stop: %s\n", problem.what());
+        return static_cast<int>(ExitStatus::failed);
+    }
 }

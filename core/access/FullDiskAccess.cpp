@@ -19,11 +19,10 @@ Answer answerOf(int failure) {
 }
 
 OwnedDescriptor opened(const std::filesystem::path& path, int kind) {
-    int descriptor = -1;
-    do {
-        descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | kind);
-    } while (descriptor < 0 && errno == EINTR);
-    return OwnedDescriptor(descriptor);
+    while (true) {
+        const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | kind);
+        if (descriptor >= 0 || errno != EINTR) return OwnedDescriptor(descriptor);
+    }
 }
 
 Answer tryOpening(const std::filesystem::path& file) {
@@ -38,6 +37,7 @@ Answer tryListing(const std::filesystem::path& folder) {
     if (!listing) return answerOf(errno);
     (void)descriptor.release();
     errno = 0;
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream is this function's own
     const bool isRead = ::readdir(listing.get()) != nullptr || errno == 0;
     return isRead ? Answer::granted : answerOf(errno);
 }

@@ -29,7 +29,7 @@ std::optional<SkipReason> reasonToSkip(const MeasuredItem& item) {
 
 }  // namespace
 
-void ItemSelection::take(MeasuredItem&& item) {
+void ItemSelection::take(MeasuredItem item) {
     auto url = urlOf(item);
     auto reason = reasonToSkip(item);
     if (root.datedByTrashInfo) {
@@ -50,7 +50,7 @@ void ItemSelection::take(MeasuredItem&& item) {
     plans(std::move(url), item, ageDate);
 }
 
-void ItemSelection::takeBuildFolder(std::filesystem::path url, const ProjectStamp& project, MeasuredItem&& item) {
+void ItemSelection::takeBuildFolder(std::filesystem::path url, const ProjectStamp& project, MeasuredItem item) {
     if (auto reason = reasonToSkip(item)) {
         // It holds what no tool leaves there: a person made the folder, or uses it.
         if (reason == SkipReason::containsExcluded) reason = SkipReason::noToolSignature;

@@ -25,9 +25,9 @@ public:
                   const PresetItems* ofPreset = nullptr)
         : rule(forRule), root(ofRoot), rootIndex(index), now(date), plan(into), preset(ofPreset) {}
 
-    void take(MeasuredItem&& item);
+    void take(MeasuredItem item);
     /// The same for a build folder of an untouched project, the rule being a project scan.
-    void takeBuildFolder(std::filesystem::path url, const ProjectStamp& project, MeasuredItem&& item);
+    void takeBuildFolder(std::filesystem::path url, const ProjectStamp& project, MeasuredItem item);
 
 private:
     void plans(std::filesystem::path&& url, const MeasuredItem& item, Date ageDate,

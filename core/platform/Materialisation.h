@@ -13,7 +13,7 @@ public:
     MaterialisationGuard();
     MaterialisationGuard(const MaterialisationGuard&) = delete;
     MaterialisationGuard& operator=(const MaterialisationGuard&) = delete;
-    ~MaterialisationGuard();
+    ~MaterialisationGuard();  // NOLINT(performance-trivially-destructible): macOS has something to put back
 
     /// Whether the policy could be set. A walk without it must not run.
     [[nodiscard]] bool holds() const { return isSet; }

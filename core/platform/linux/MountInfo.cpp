@@ -101,7 +101,7 @@ std::vector<std::filesystem::path> otherPathsAmong(const std::vector<MountInfo>&
     std::vector<std::filesystem::path> others;
     const MountInfo* own = mountAround(mounts, path);
     if (own == nullptr) return others;
-    const auto inside = joined(own->root, *below(own->mountPoint.native(), path.native()));
+    const auto inside = joined(own->root, below(own->mountPoint.native(), path.native()).value_or(""));
     for (const auto& mount : mounts) {
         if (&mount == own || mount.device != own->device) continue;
         const auto rest = below(mount.root.native(), inside.native());

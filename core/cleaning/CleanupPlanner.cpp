@@ -63,7 +63,7 @@ private:
 
 std::optional<PlanError> PartCollector::collect(const OpenedRoot& root) {
     const PathGuards::WalkRoot walkRoot = planner.guards.walkRoot(root.root.url, root.root.exception);
-    const ItemQuestions questions{
+    ItemQuestions questions{
         root.root.screenshotFolder ? ItemsAre::topLevelFiles : itemsOf(rule.filter.scope), planner.guards, walkRoot,
         exclusions,
         [&](std::string_view name, std::uint64_t fileID, EntryType type) { return admits(root, name, fileID, type); }};

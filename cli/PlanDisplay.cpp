@@ -8,7 +8,9 @@
 
 #include "base/SpaceFormat.h"
 #include "cli/RuleText.h"
+#include "rules/ArtifactFacts.h"
 #include "rules/PlanFields.h"
+#include "rules/RuleFields.h"
 #include "rules/SkipReason.h"
 #include "stores/JSONCoder.h"
 
@@ -48,6 +50,27 @@ std::vector<const PlannedItem*> largestFirst(const CleanupPlan& plan) {
     return items;
 }
 
+/// "modified 2025-03-03"; of a build folder what it is, whose, and since when nobody has touched that project.
+std::string dateText(const PathGuards& guards, const CleanupPlan& plan, const PlannedItem& item) {
+    if (!item.project) return agePhrase(plan.terms.filter.ageBasis) + " " + localDay(item.ageDate);
+    return fmt::format("{}, {} untouched since {}", factsOf(item.project->kind).title,
+                       guards.displayPath(item.project->folder), localDay(item.project->newestSource));
+}
+
+JSONValue documentOf(const PlannedItem& item) {
+    std::vector<JSONMember> fields{{"path", encodeJSON(item.url)},
+                                   {"bytes", encodeJSON(item.bytes)},
+                                   {"fileCount", encodeJSON(item.fileCount)},
+                                   {"isDirectory", item.isDirectory},
+                                   {"ageDate", encodeJSON(item.ageDate)}};
+    if (item.project) {
+        fields.push_back({"project", JSONObject{{"folder", encodeJSON(item.project->folder)},
+                                                {"kind", encodeJSON(item.project->kind)},
+                                                {"newestSource", encodeJSON(item.project->newestSource)}}});
+    }
+    return JSONObject(std::move(fields));
+}
+
 void showItems(Output& output, const PathGuards& guards, const CleanupPlan& plan) {
     std::vector<Output::Row> rows;
     const auto items = largestFirst(plan);
@@ -57,7 +80,7 @@ void showItems(Output& output, const PathGuards& guards, const CleanupPlan& plan
         rows.push_back({SpaceFormat::bytes(item.bytes),
                         guards.displayPath(item.url),
                         {content, Style::dim},
-                        {agePhrase(plan.terms.filter.ageBasis) + " " + localDay(item.ageDate), Style::dim}});
+                        {dateText(guards, plan, item), Style::dim}});
     }
     output.table(rows, {Alignment::right, Alignment::left, Alignment::right, Alignment::left});
     if (items.size() > mostItemsShown) {
@@ -116,13 +139,8 @@ JSONValue documentOf(const CleanupPlan& plan, bool isApproved) {
                                       {"inode", encodeJSON(root.identity.inode)}});
     }
     JSONArray items;
-    for (const auto& item : plan.items) {
-        items.emplace_back(JSONObject{{"path", encodeJSON(item.url)},
-                                      {"bytes", encodeJSON(item.bytes)},
-                                      {"fileCount", encodeJSON(item.fileCount)},
-                                      {"isDirectory", item.isDirectory},
-                                      {"ageDate", encodeJSON(item.ageDate)}});
-    }
+    for (const auto& item : plan.items)
+        items.push_back(documentOf(item));
     JSONArray skipped;
     for (const auto& item : plan.skipped) {
         std::vector<JSONMember> entry{{"path", encodeJSON(item.url)}, {"reason", encodeJSON(item.reason)}};

@@ -1,0 +1,74 @@
+import os
+import pathlib
+import unittest
+
+from driver import ProgramTest, tree_of
+
+LATER = 40
+
+
+class ProjectsTest(ProgramTest):
+    def project(self, name, *made):
+        self.make(f"Code/{name}/package.json")
+        self.make(f"Code/{name}/src/main.js", 2_000)
+        for path in made:
+            self.make(f"Code/{name}/{path}", 400_000)
+
+    def add_scan(self, *options):
+        return self.document("rule", "add", "Builds", "--projects", self.home / "Code", "--kinds", "nodeModules",
+                             "pycache", "--untouched-days", "30", *options)
+
+    def test_a_preview_names_the_build_folders_of_untouched_projects(self):
+        self.project("old", "node_modules/.package-lock.json", "node_modules/left-pad/index.js")
+        self.project("by hand", "node_modules/mine.js")
+        self.project("fresh", "node_modules/.package-lock.json")
+        soon = self.home.stat().st_mtime + (LATER - 2) * 86_400
+        os.utime(self.home / "Code/fresh/src/main.js", (soon, soon))
+        rule = self.add_scan("--delete")
+        self.assertEqual(rule["target"]["kinds"], ["nodeModules", "pycache"])
+        before = tree_of(self.home / "Code")
+
+        plan = self.document("preview", "Builds", days_ahead=LATER)
+        (item,) = plan["items"]
+        folder = self.home / "Code/old"
+        self.assertEqual(item["path"], str(folder / "node_modules"))
+        self.assertEqual((item["project"]["folder"], item["project"]["kind"]), (str(folder), "nodeModules"))
+        self.assertEqual(item["ageDate"], item["project"]["newestSource"])
+        blocks = sum(file.lstat().st_blocks * 512 for file in pathlib.Path(item["path"]).rglob("*") if file.is_file())
+        self.assertEqual((item["bytes"], item["fileCount"], plan["totalBytes"]), (blocks, 2, blocks))
+        self.assertEqual([(each["path"], each["reason"]) for each in plan["skipped"]],
+                         [(str(self.home / "Code/by hand/node_modules"), "noToolSignature")])
+        shown = self.succeed("preview", "Builds", days_ahead=LATER).out
+        for words in ("Would be deleted for good", "Node packages, ~/Code/old untouched since",
+                      "1 item that does not look like a tool made it", "~/Code/by hand/node_modules"):
+            self.assertIn(words, shown)
+        self.assertEqual(tree_of(self.home / "Code"), before)
+
+        self.assertTrue(self.document("preview", "Builds", "--approve", days_ahead=LATER)["approved"])
+        self.assertEqual(self.document("preview", "Builds")["items"], [])
+
+    def test_what_no_project_scan_may_be_is_refused(self):
+        self.make("Library/App/package.json")
+        days = ("--untouched-days", "30")
+        kinds = ("--kinds", "dist")
+        library = "Vostrel does not look for projects inside ~/Library, where apps keep their own files."
+        cases = [
+            ([self.home / "Library/App", *kinds, *days], [library]),
+            ([self.home / "Code", *days], ["Choose at least one kind of folder to remove."]),
+            ([self.home / "Code", *kinds], ["Untouched days must be between 1 and 3650."]),
+            ([self.home / "Code", *kinds, *days, "--older-than", "3"],
+             ["A project scan picks projects by how long they have been untouched, so it has no age, size or name "
+              "filters."]),
+            (["/usr", *kinds, *days], None),
+        ]
+        for options, sentences in cases:
+            with self.subTest(options=options):
+                said = self.refuse("rule", "add", "Builds", "--projects", *options)
+                self.assertEqual(said, sentences or said)
+        self.add_scan()
+        self.assertEqual(self.refuse("preview", "Builds"), [
+            "The folder does not exist, or the rule has no folder. Edit the rule and choose one."])
+
+
+if __name__ == "__main__":
+    unittest.main()

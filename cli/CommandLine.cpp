@@ -51,6 +51,7 @@ CommandLine readCommandLine(int count, const char* const* arguments) {
     CLI::App app(summary, "vostrel");
     Request request;
     addGlobalOptions(app, request.options);
+    addPresetsCommand(app, request.command);
     addRuleCommands(app, request.command);
     addPreviewCommand(app, request.command);
     addAccessCommand(app, request.command);

@@ -10,6 +10,7 @@ namespace vostrel::cli {
 
 void addRuleCommands(CLI::App& app, Command& chosen);
 void addPreviewCommand(CLI::App& app, Command& chosen);
+void addPresetsCommand(CLI::App& app, Command& chosen);
 void addAccessCommand(CLI::App& app, Command& chosen);
 void addDemoCommand(CLI::App& app, Command& chosen);
 

@@ -79,6 +79,7 @@ public:
         const auto plan = preview(rule);
         if (!plan) return failed(plan.error().sentence);
         if (auto approved = approve(rule, *plan); !approved) return approved;
+        if (auto previewed = previewPresets(); !previewed) return previewed;
         check(*plan);
         return conclude();
     }
@@ -128,12 +129,16 @@ private:
         return {};
     }
 
+    [[nodiscard]] std::expected<CleanupPlan, PlanError> planned(const Rule& rule) const {
+        const CleanupPlanner planner{
+            .guards = session.guards, .resolver = resolver, .catalog = session.catalog, .clock = session.clock};
+        return planner.plan(rule, session.clock(), &Interrupt::requested);
+    }
+
     std::expected<CleanupPlan, PlanError> preview(const Rule& rule) {
         heading("3. The preview: what would go, what stays and why");
         before = sample.stamps();
-        const CleanupPlanner planner{
-            .guards = session.guards, .resolver = session.resolver, .catalog = session.catalog, .clock = session.clock};
-        auto plan = planner.plan(rule, session.clock(), &Interrupt::requested);
+        auto plan = planned(rule);
         if (!plan) return plan;
         showPlan(session.output, session.guards, *plan);
         session.output.line();
@@ -161,6 +166,30 @@ private:
         session.output.line({"  From now on the rule may run by itself, as long as it says what was approved and its"});
         session.output.line({"  folder is the one that was previewed."});
         return {};
+    }
+
+    CommandResult previewPresets() {
+        heading("5. Presets: ready-made rules for what is already here");
+        for (const char* id : {"npm-cache", "screenshots"}) {
+            const Preset* preset = session.catalog.preset(id);
+            if (!preset) return failed("A preset is missing.");
+            session.output.line();
+            session.output.line({{preset->name, Output::Style::bold}, ": " + preset->summary});
+            const auto plan = planned(preset->draftRule(session.clock()));
+            if (!plan) return failed(plan.error().sentence);
+            showPlan(session.output, session.guards, *plan);
+            checkPreset(*preset, *plan);
+        }
+        return {};
+    }
+
+    void checkPreset(const Preset& preset, const CleanupPlan& plan) {
+        const bool isRight = plan.items.size() == 2 && plan.totalBytes() == bytesOnDisk(plan) &&
+                             !isPlanned(plan, sample.home() / ".npm/_cacache/my own notes/idea.txt") &&
+                             !isPlanned(plan, sample.home() / "Desktop/Screenshot for grandma.png") &&
+                             !isPlanned(plan, sample.home() / "Desktop/todo.txt");
+        claims.push_back(
+            {"the preset \"" + preset.name + "\" takes what has its names and nothing beside it", isRight});
     }
 
     void check(const CleanupPlan& plan) {
@@ -195,6 +224,9 @@ private:
 
     Session& session;
     const SampleHome& sample;
+    /// What the user's own applications have stored is about another home than this one.
+    const FixedDefaults noSettings{{}};
+    const TargetResolver resolver{session.places.home, noSettings, session.guards};
     std::vector<Claim> claims;
     std::map<std::string, SampleHome::Stamp> before;
 };

@@ -12,6 +12,7 @@
 #include "cli/RuleDisplay.h"
 #include "cli/RuleOptions.h"
 #include "cli/RuleSearch.h"
+#include "cli/RuleText.h"
 #include "cli/Session.h"
 #include "rules/RuleFields.h"
 
@@ -56,8 +57,14 @@ CommandResult check(Session& session, const std::string& wanted) {
     return {};
 }
 
+void suggestTriggers(Session& session, const Rule& rule) {
+    const Preset* preset = session.catalog.presetOf(rule.target);
+    if (!preset || preset->suggestedTriggers.empty() || !rule.triggers.empty()) return;
+    session.output.line({"The preset suggests to run it " + triggersText(preset->suggestedTriggers) + "."});
+}
+
 CommandResult add(Session& session, const RuleOptions& options) {
-    const auto rule = options.rule(session.clock());
+    const auto rule = options.rule(session.clock(), session.catalog);
     if (!rule) return std::unexpected(rule.error());
     auto problems = rule->validationProblems(session.guards, session.resolver, session.catalog);
     if (!problems.empty()) return std::unexpected(Failure{.sentences = std::move(problems)});
@@ -69,6 +76,7 @@ CommandResult add(Session& session, const RuleOptions& options) {
     if (!saved) return saved;
     showRule(session.output, *rule, session.catalog);
     session.output.line();
+    suggestTriggers(session, *rule);
     session.output.line(
         {{"The rule is saved. It removes nothing by itself until you approve what it would do:", Style::good}});
     session.output.line({"  " + session.approvingCommand(*rule)});

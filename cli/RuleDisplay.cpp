@@ -53,6 +53,12 @@ void showRule(Output& output, const Rule& rule, const PresetCatalog& catalog) {
          fmt::format("{}, {}", rule.enabled ? "enabled" : "disabled", approvalText(approvalState(rule, catalog)))},
         {{"cleans", Style::dim}, targetText(rule.target)},
     };
+    if (const Preset* preset = catalog.presetOf(rule.target)) {
+        rows.push_back({"", preset->summary});
+        const char* heldTo = "holds it to";
+        for (const std::string& text : limitTexts(*preset))
+            rows.push_back({{std::exchange(heldTo, ""), Style::dim}, text});
+    }
     const char* label = "takes";
     for (const std::string& text : filterTexts(rule))
         rows.push_back({{std::exchange(label, ""), Style::dim}, text});

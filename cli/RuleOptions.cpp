@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <system_error>
 
@@ -89,7 +90,7 @@ void RuleOptions::addFilter(CLI::App& command) {
         command, "--older-than", "DAYS", parseCount, [this](int days) { filter.minAgeDays = days; },
         "Leave younger items alone");
     addParsed(
-        command, "--by", "BASIS", parseWord<AgeBasis>, [this](AgeBasis basis) { filter.ageBasis = basis; },
+        command, "--by", "BASIS", parseWord<AgeBasis>, [this](AgeBasis word) { basis = word; },
         "The date that age goes by: modified, added or lastOpened");
     addParsed(
         command, "--min-size", "SIZE", parseSize, [this](std::int64_t size) { filter.minSizeBytes = size; },
@@ -111,8 +112,12 @@ void RuleOptions::addFilter(CLI::App& command) {
 }
 
 void RuleOptions::addAction(CLI::App& command) {
-    auto* const trash = command.add_flag_callback("--trash", [] {}, "Move items to the Trash (unless told otherwise)");
-    command.add_flag("--delete", deletes, "Delete items for good")->excludes(trash);
+    auto* const trash = command.add_flag_callback(
+        "--trash", [this] { action = CleanupAction::trash; }, "Move items to the Trash (unless told otherwise)");
+    command
+        .add_flag_callback(
+            "--delete", [this] { action = CleanupAction::deletePermanently; }, "Delete items for good")
+        ->excludes(trash);
     command.add_flag("--disabled", disabled, "Make the rule, but do not let it run by itself yet");
 }
 
@@ -138,28 +143,41 @@ void RuleOptions::addTriggers(CLI::App& command) {
         "Wait while one of these applications is running"));
 }
 
-std::expected<Rule, Failure> RuleOptions::rule(Date now) const {
+void RuleOptions::limit(RuleFilter& made) const {
+    if (filter.minAgeDays) made.minAgeDays = filter.minAgeDays;
+    if (basis) made.ageBasis = *basis;
+    made.minSizeBytes = filter.minSizeBytes;
+    made.includeGlobs = filter.includeGlobs;
+    made.excludeGlobs = filter.excludeGlobs;
+    if (!pins.empty()) made.scope = RuleScope::topLevelFiles;
+    if (scope) made.scope = *scope;
+}
+
+std::expected<Rule, Failure> RuleOptions::rule(Date now, const PresetCatalog& catalog) const {
     if ((folder ? 1 : 0) + (preset ? 1 : 0) + (projectRoots.empty() ? 0 : 1) != 1)
         return wrongCommandLine("Name what to clean with exactly one of --folder, --preset and --projects.");
     if (!pins.empty() && !folder) return wrongCommandLine("--pin chooses files of a --folder.");
 
-    Rule rule;
+    const Preset* const known = preset ? catalog.preset(*preset) : nullptr;
+    Rule rule = known ? known->draftRule(now) : Rule{};
     rule.id = Uuid::random();
     rule.name = name;
     rule.enabled = !disabled;
     if (folder) rule.target = FolderTarget{*folder};
     if (preset) rule.target = PresetTarget{*preset};
     if (!projectRoots.empty()) rule.target = ProjectScanTarget{projectRoots, kinds, untouchedDays};
-    rule.filter = filter;
-    rule.filter.scope = scope.value_or(pins.empty() ? RuleScope::topLevelItems : RuleScope::topLevelFiles);
+    limit(rule.filter);
     for (const fs::path& file : pins) {
         auto chosen = chosenFile(folder.value_or(fs::path()), file);
         if (!chosen) return std::unexpected(chosen.error());
         rule.filter.pinnedFiles.push_back(std::move(*chosen));
     }
-    rule.action = deletes ? CleanupAction::deletePermanently : CleanupAction::trash;
+    if (action) rule.action = *action;
     rule.triggers = triggers;
-    rule.pauseWhileRunning = pauseWhileRunning;
+    for (const std::string& id : pauseWhileRunning) {
+        const bool isListed = std::ranges::find(rule.pauseWhileRunning, id) != rule.pauseWhileRunning.end();
+        if (!isListed) rule.pauseWhileRunning.push_back(id);
+    }
     rule.createdAt = now;
     return rule;
 }

@@ -12,6 +12,7 @@
 
 #include "base/Date.h"
 #include "cli/CommandResult.h"
+#include "rules/PresetCatalog.h"
 #include "rules/Rule.h"
 
 namespace vostrel::cli {
@@ -24,21 +25,25 @@ struct RuleOptions {
     std::vector<std::filesystem::path> projectRoots;
     std::set<ArtifactKind> kinds;
     int untouchedDays = 0;
+    /// What was said of ages, sizes and names.
     RuleFilter filter;
+    std::optional<AgeBasis> basis;
     std::optional<RuleScope> scope;
     std::vector<std::filesystem::path> pins;
-    bool deletes = false;
+    std::optional<CleanupAction> action;
     bool disabled = false;
     std::vector<RuleTrigger> triggers;
     std::vector<std::string> pauseWhileRunning;
 
     void addTo(CLI::App& command);
 
-    /// The rule as told; whether it makes sense is for its own validation to say. Fails when the line names no target
-    /// or several, and when a chosen file cannot be looked up.
-    [[nodiscard]] std::expected<Rule, Failure> rule(Date now) const;
+    /// The rule as told, and what was not told of a preset's rule as the preset has it, but for the triggers: it only
+    /// suggests those. Whether the rule makes sense is for its own validation to say. Fails when the line names no
+    /// target or several, and when a chosen file cannot be looked up.
+    [[nodiscard]] std::expected<Rule, Failure> rule(Date now, const PresetCatalog& catalog) const;
 
 private:
+    void limit(RuleFilter& made) const;
     void addTarget(CLI::App& command);
     void addFilter(CLI::App& command);
     void addAction(CLI::App& command);

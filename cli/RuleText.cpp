@@ -115,6 +115,18 @@ std::vector<std::string> filterTexts(const Rule& rule) {
     return texts;
 }
 
+std::vector<std::string> limitTexts(const Preset& preset) {
+    std::vector<std::string> texts;
+    if (preset.decidesNames()) texts.emplace_back("only names that its tool gives");
+    if (preset.minAgeDays) texts.push_back(ageText(*preset.minAgeDays, preset.ageBasis));
+    for (const std::string& folder : preset.usedBeside)
+        texts.push_back("nothing written since to its entry in ~/" + folder);
+    if (preset.trashOnly) texts.emplace_back("only to the Trash");
+    if (preset.action == CleanupAction::deletePermanently)
+        texts.emplace_back("deletes for good, unless told otherwise");
+    return texts;
+}
+
 std::string actionText(CleanupAction action) {
     return action == CleanupAction::trash ? "moves them to the Trash" : "deletes them for good";
 }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/Date.h"
+#include "rules/Preset.h"
 #include "rules/Rule.h"
 
 namespace vostrel::cli {
@@ -15,6 +16,9 @@ namespace vostrel::cli {
 
 /// What qualifies, a phrase each: "every file and folder directly in it", "last modified 30 days ago or earlier", …
 [[nodiscard]] std::vector<std::string> filterTexts(const Rule& rule);
+
+/// What a preset holds its rules to, a phrase each: "added 30 days ago or earlier", "only to the Trash", …
+[[nodiscard]] std::vector<std::string> limitTexts(const Preset& preset);
 
 /// "moves them to the Trash".
 [[nodiscard]] std::string actionText(CleanupAction action);

@@ -40,6 +40,13 @@ constexpr auto sampleFiles = std::to_array<SampleFile>({
     {"Downloads/taxes/2025.keep", 40},
     {"Downloads/taxes/receipts.pdf", 80},
     {"Downloads/Family.photoslibrary/database/photos.db", 700},
+    // What ready-made rules are about, beside what they leave alone.
+    {".npm/_cacache/content-v2/sha512/1f/tarball", 2'700},
+    {".npm/_cacache/index-v5/0c/entry", 60},
+    {".npm/_cacache/my own notes/idea.txt", 8},
+    {"Desktop/Screenshot 2026-09-14 at 9.05.07 AM.png", 640},
+    {"Desktop/Screen Recording 2026-09-20 at 18.31.44.mov", 2'200},
+    {"Desktop/Screenshot for grandma.png", 500},
     // What no rule may touch.
     {"Documents/letter to the bank.txt", 8},
     {"Desktop/todo.txt", 4},

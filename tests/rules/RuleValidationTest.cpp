@@ -153,14 +153,7 @@ TEST_F(RuleValidationTest, holdsARuleToItsPreset) {
         {preset("screenshots"), asItIs, {}},
         {preset("own-names"), [](Rule& r) { r.filter.excludeGlobs = {"*.keep"}; }, {}},
         {preset("any-depth"), [](Rule& r) { r.filter.scope = RuleScope::allFiles; }, {}},
-        {preset("gone"), asItIs, {"This preset is not available in this version of Vostrel."}},
-        {preset("only-trash"),
-         [](Rule& r) { r.action = CleanupAction::deletePermanently; },
-         {"This preset only moves items to the Trash, so its rules cannot delete permanently."}},
-        {preset("own-names"), [](Rule& r) { r.filter.includeGlobs = {"a"}; }, {presetNames}},
-        {preset("screenshots"), [](Rule& r) { r.filter.includeGlobs = {"a"}; }, {presetNames}},
         {preset("each-item"), [](Rule& r) { choose(r, {fileA}); }, {presetItems}},
-        {preset("any-depth"), asItIs, {"This preset cleans files at any depth, and its rules must too."}},
     });
 
     const auto withSetting = [&](std::string folder) {

@@ -28,8 +28,6 @@ const std::string blankPause = "An app to pause for is blank.";
 const std::string unstorable = "This rule could not be saved in a form Vostrel can read back.";
 const std::string noFilters =
     "A project scan picks projects by how long they have been untouched, so it has no age, size or name filters.";
-const std::string presetNames =
-    "This preset decides which names it cleans, so the rule cannot list names to clean. It can list names to keep.";
 const std::string presetItems = "This preset cleans each item in its folders, and its rules must too.";
 
 std::string spacesAround(const std::string& entry) {

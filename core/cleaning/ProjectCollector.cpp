@@ -6,6 +6,7 @@
 #include "filesystem/ItemAccounting.h"
 #include "filesystem/SizeWalker.h"
 #include "rules/ArtifactFacts.h"
+#include "rules/ArtifactRecognition.h"
 
 namespace vostrel {
 
@@ -89,6 +90,11 @@ void ProjectCollector::measure(const OpenedRoot& root, std::size_t rootIndex,
     const bool wasMeasured = measured.trouble == MeasuredItem::Trouble::none;
     if (wasMeasured && measured.identity != candidate.identity)
         measured.trouble = MeasuredItem::Trouble::changedMeanwhile;
+    const bool isOrdinary = measured.trouble == MeasuredItem::Trouble::none && !measured.facts.containsExcluded;
+    if (isOrdinary && !ArtifactRecognition(*planner.source, volume, [&] {
+                           return budget.isSpent();
+                       }).canBeMadeAgain(candidate.artifact.native(), candidate.kind))
+        measured.facts.containsExcluded = true;
     measured.parent = candidate.parent;
     soFar.files += measured.facts.fileCount;
     soFar.bytes += measured.facts.bytes;

@@ -16,6 +16,31 @@ using Names = std::vector<std::string>;
 const Names any{"*"};
 const Names none{};
 
+/// The systems that Cargo and Swift build for: "x86_64-unknown-linux-gnu".
+const Names triples{"aarch64-*",  "arm64-*",  "arm64e-*", "arm64_32-*", "armv*-*",  "i?86-*",   "loongarch64-*",
+                    "powerpc*-*", "riscv*-*", "s390x-*",  "thumbv*-*",  "wasm32-*", "wasm64-*", "x86_64-*"};
+
+Names triplesAnd(std::initializer_list<std::string> names) {
+    Names all = triples;
+    all.insert(all.end(), names);
+    return all;
+}
+
+std::vector<Signature> triplesFolders() {
+    std::vector<Signature> folders;
+    for (const std::string& triple : triples)
+        folders.push_back(Signature::folderMatching(triple));
+    return folders;
+}
+
+/// A pattern of so many hexadecimal digits.
+std::string digits(int count) {
+    std::string pattern;
+    while (count-- > 0)
+        pattern += "[0-9a-f]";
+    return pattern;
+}
+
 const Names repositories{".git", ".hg", ".svn", ".bzr", ".jj", "_darcs", ".fslckout"};
 
 Names repositoriesAnd(std::initializer_list<std::string> names) {
@@ -89,7 +114,7 @@ std::vector<Row> rows() {
          .markers = files({"turbo.json", "package.json"}),
          .signatures = {{"Turborepo",
                          {},
-                         {Signature::inside("cache", Signature::fileMatching("????????????????.tar.zst")),
+                         {Signature::inside("cache", Signature::fileMatching(digits(16) + ".tar.zst")),
                           Signature::onlyFilesMatching("turbo-*.log")},
                          {"turbo-*.log"},
                          {"cache", "cookies", "daemon", "runs"}}}},
@@ -101,10 +126,8 @@ std::vector<Row> rows() {
                          {},
                          {Signature::allOf({Signature::file("data.mdb"), Signature::file("lock.mdb")})},
                          {"data.mdb", "lock.mdb", "snapshot-*.txt", "*AssetGraph*", "*BundleGraph*", "*RequestGraph*",
-                          "????????????????",
-                          "????????????????"
-                          "-*"},
-                         {"??"}}}},
+                          digits(16), digits(16) + "-*"},
+                         {digits(2)}}}},
 
         // Only of tools that empty the folder themselves before they fill it. Others leave nothing that is certain.
         {.kind = ArtifactKind::dist,
@@ -116,7 +139,9 @@ std::vector<Row> rows() {
                          {Signature::inside(".vite", Signature::file("manifest.json")),
                           Signature::allOf(
                               {Signature::file("index.html"),
-                               Signature::inside("assets", Signature::onlyFilesMatching("*-????????.*"))})},
+                               Signature::inside("assets",
+                                                 Signature::allOf({Signature::fileMatching("index-????????.js"),
+                                                                   Signature::onlyFilesMatching("*-????????.*")}))})},
                          any,
                          any},
                         {"Angular",
@@ -141,8 +166,8 @@ std::vector<Row> rows() {
                          {Signature::allOf({Signature::file("CACHEDIR.TAG"), Signature::file(".rustc_info.json")})},
                          {"CACHEDIR.TAG", ".rustc_info.json", ".rustdoc_fingerprint.json", ".cargo-lock",
                           ".future-incompat-report.json"},
-                         {"debug", "release", "build", "doc", "tmp", "package", "criterion", "nextest", "flycheck*",
-                          "rust-analyzer", "*-*-*"}},
+                         triplesAnd({"debug", "release", "build", "doc", "tmp", "package", "criterion", "nextest",
+                                     "flycheck*", "rust-analyzer"})},
                         {"Maven",
                          Marker::file("pom.xml"),
                          {Signature::inside("maven-archiver", Signature::file("pom.properties")),
@@ -162,10 +187,11 @@ std::vector<Row> rows() {
                          {Signature::allOf(
                              {Signature::file("workspace-state.json"),
                               Signature::anyOf({Signature::folder("checkouts"), Signature::folder("repositories"),
-                                                Signature::folderMatching("*-*-*")})})},
-                         {"workspace-state.json", ".lock", "*.yaml", "build.db*", "manifest.db*", "*.json"},
-                         {"artifacts", "checkouts", "index-build", "plugins", "prebuilts", "repositories", "debug",
-                          "release", "*-*-*"}}},
+                                                Signature::anyOf(triplesFolders())})})},
+                         {"workspace-state.json", ".lock", "debug.yaml", "release.yaml", "plugin-tools.yaml",
+                          "build.db*", "manifest.db*"},
+                         triplesAnd({"artifacts", "checkouts", "index-build", "plugins", "prebuilts", "repositories",
+                                     "debug", "release"})}},
          .neverHolds = none},
 
         {.kind = ArtifactKind::pods,

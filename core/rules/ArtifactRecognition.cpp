@@ -65,7 +65,7 @@ public:
 
 ArtifactRecognition::ArtifactRecognition(FolderSource& from, std::optional<WalkVolume> onVolume,
                                          std::function<bool()> stopTest)
-    : reader(from, ListingDetail::sizes), volume(onVolume), mustStop(std::move(stopTest)) {}
+    : source(from), reader(from, ListingDetail::sizes), volume(onVolume), mustStop(std::move(stopTest)) {}
 
 std::optional<FileIdentity> ArtifactRecognition::recognise(const std::string& folder, ArtifactKind kind,
                                                            const ArtifactMarkers& beside) {
@@ -83,6 +83,31 @@ std::optional<FileIdentity> ArtifactRecognition::recognise(const std::string& fo
         }
     }
     return std::nullopt;
+}
+
+bool ArtifactRecognition::canBeMadeAgain(const std::string& folder, ArtifactKind kind) {
+    if (kind == ArtifactKind::nodeModules) return holdsPackages(folder);
+    if (kind != ArtifactKind::pycache) return true;
+    const auto content = contentOf(folder);
+    const std::string around = folder.substr(0, folder.rfind('/') + 1);
+    return content && std::ranges::all_of(content->files, [&](const std::string& file) {
+               return isFile(around + file.substr(0, file.find('.')) + ".py");
+           });
+}
+
+/// Folders with a dot are the package manager's own; those with an "@" hold packages in turn.
+bool ArtifactRecognition::holdsPackages(const std::string& folder) {
+    const auto content = contentOf(folder);
+    return content && std::ranges::all_of(content->folders, [&](const std::string& name) {
+               const std::string path = folder + "/" + name;
+               if (name.starts_with('@')) return holdsPackages(path);
+               return name.starts_with('.') || isFile(path + "/package.json");
+           });
+}
+
+bool ArtifactRecognition::isFile(const std::string& path) {
+    const auto status = source.lookUp(path);
+    return status && status->type == EntryType::file;
 }
 
 /// Nothing when it could not be listed to its end, or lies on another volume.

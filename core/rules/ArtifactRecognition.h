@@ -25,12 +25,20 @@ public:
     [[nodiscard]] std::optional<FileIdentity> recognise(const std::string& folder, ArtifactKind kind,
                                                         const ArtifactMarkers& beside);
 
+    /// Whether everything in a recognised folder can be made again, as far as the names tell: every Node package has
+    /// its `package.json`, every compiled Python module its source beside the folder. Looks at each of them, so it is
+    /// asked only of a folder that would go.
+    [[nodiscard]] bool canBeMadeAgain(const std::string& folder, ArtifactKind kind);
+
 private:
     class Content;
 
     [[nodiscard]] std::optional<Content> contentOf(const std::string& folder);
+    [[nodiscard]] bool isFile(const std::string& path);
+    [[nodiscard]] bool holdsPackages(const std::string& folder);
     [[nodiscard]] bool shows(const Content& content, const ArtifactSignature& signature);
 
+    FolderSource& source;
     FolderReader reader;
     std::optional<WalkVolume> volume;
     std::function<bool()> mustStop;

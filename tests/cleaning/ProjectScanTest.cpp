@@ -63,7 +63,8 @@ protected:
             make(folder + "/" + entry);
     }
     void makeNodeProject(const std::string& folder) const {
-        makeAll(folder, {"package.json", "src/main.js", "node_modules/.package-lock.json", "node_modules/a/index.js"});
+        makeAll(folder,
+                {"package.json", "src/main.js", "node_modules/.package-lock.json", "node_modules/a/package.json"});
     }
     ProjectScanner::Discovery discover(unsigned helpers = 0) {
         const auto status = statusOfPath(home / "code");
@@ -91,11 +92,21 @@ const std::vector<Layout>& layouts() {
         {"npm",
          ArtifactKind::nodeModules,
          {"package.json"},
-         {".package-lock.json", ".bin/tool -> ../a/tool.js", "a/package.json", "@b/c/index.ts"},
+         {".package-lock.json", ".bin/tool -> ../a/tool.js", "a/package.json", "@b/c/package.json", "@b/c/index.ts"},
          "mine.js",
          "a"},
-        {"yarn", ArtifactKind::nodeModules, {"package.json"}, {".yarn-integrity", "a/index.js"}, "mine.js", "a"},
-        {"yarn-2", ArtifactKind::nodeModules, {"package.json"}, {".yarn-state.yml", "a/index.js"}, "mine.js", "a"},
+        {"yarn",
+         ArtifactKind::nodeModules,
+         {"package.json"},
+         {".yarn-integrity", "a/package.json"},
+         "mine/index.js",
+         "a"},
+        {"yarn-2",
+         ArtifactKind::nodeModules,
+         {"package.json"},
+         {".yarn-state.yml", "a/package.json"},
+         "@my/own/index.js",
+         "a"},
         {"pnpm",
          ArtifactKind::nodeModules,
          {"package.json"},
@@ -105,7 +116,7 @@ const std::vector<Layout>& layouts() {
         {"workspace",
          ArtifactKind::nodeModules,
          {"package.json"},
-         {".bin/tool -> ../a/tool.js", "a/index.js"},
+         {".bin/tool -> ../a/tool.js", "a/package.json"},
          ".bin/mine",
          "a"},
         {"next",
@@ -166,7 +177,7 @@ const std::vector<Layout>& layouts() {
          ArtifactKind::target,
          {"Cargo.toml"},
          {"CACHEDIR.TAG", ".rustc_info.json", "debug/.fingerprint/a/lib", "aarch64-apple-darwin/release/a"},
-         "plans.txt",
+         "my-own-notes/plan.txt",
          "debug"},
         {"maven",
          ArtifactKind::target,
@@ -205,7 +216,13 @@ const std::vector<Layout>& layouts() {
          {"8.5/gc.properties", "8.5/fileHashes/fileHashes.lock", "buildOutputCleanup/cache.properties"},
          "gradle.properties",
          "8.5"},
-        {"python", ArtifactKind::pycache, {"a.py"}, {"a.cpython-311.pyc", "b.cpython-311.opt-1.pyc"}, "a.py", ""},
+        {"python",
+         ArtifactKind::pycache,
+         {"a.py", "b.py"},
+         {"a.cpython-311.pyc", "b.cpython-311.opt-1.pyc"},
+         "a.py",
+         ""},
+        {"python-lost", ArtifactKind::pycache, {"a.py"}, {"a.cpython-311.pyc"}, "lost.cpython-311.pyc", ""},
         {"pytest",
          ArtifactKind::pytestCache,
          {"a.py"},
@@ -272,11 +289,21 @@ TEST_F(ProjectScanTest, plansWhatAToolMadeAndLeavesEveryNearMiss) {
     EXPECT_EQ(covered, allKinds());
 }
 
-TEST_F(ProjectScanTest, takesABareFileOfTheTagsNameForNoTag) {
-    makeAll("code/a", {"Cargo.toml", "target/.rustc_info.json", "target/debug/a"});
-    home.home.makeFile("code/a/target/CACHEDIR.TAG", "my own words");
+TEST_F(ProjectScanTest, isNotTakenInByNamesThatAlmostFit) {
+    makeAll("code/tag", {"Cargo.toml", "target/.rustc_info.json", "target/debug/a"});
+    home.home.makeFile("code/tag/target/CACHEDIR.TAG", "my own words");
+    makeAll("code/site", {"vite.config.ts", "dist/index.html", "dist/assets/photo-holidays.jpg"});
+    makeAll("code/site2", {"vite.config.ts", "dist/index.html", "dist/assets/index-B8sKq2xZ.js", "dist/assets/me.jpg"});
+    makeAll("code/turbo", {"turbo.json", ".turbo/cache/my summer stories.tar.zst"});
+    makeAll("code/links", {"package.json", "node_modules/.bin/run -> ../run", "node_modules/.bin/notes.txt"});
+    makeAll("code/swift", {"Package.swift", ".build/workspace-state.json", ".build/my-own-notes/a"});
+    makeAll("code/case", {"package.json", "Node_Modules/.package-lock.json"});
+    makeAll("code/marker", {"package.json/a", "node_modules/.package-lock.json"});
 
-    EXPECT_THAT(verdictsOf(rule()), ElementsAre(Pair("code/a/target", unrecognised)));
+    const auto said = verdictsOf(rule());
+
+    EXPECT_EQ(said.size(), 7U);
+    EXPECT_THAT(said, testing::Each(Pair(testing::_, unrecognised)));
 }
 
 TEST_F(ProjectScanTest, recordsEveryFactOfABuildFolderAndItsProject) {
@@ -314,7 +341,7 @@ TEST_F(ProjectScanTest, plansOnlyProjectsThatNobodyTouched) {
     const std::string deep = "d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/";  // 15 folders
     const std::vector<Case> cases{
         {"its own file", {}, "src/main.js", {}},
-        {"something in the build folder", {}, "node_modules/a/index.js", {}},
+        {"something in the build folder", {}, "node_modules/a/package.json", {}},
         {"another build folder, looked past",
          {"Cargo.toml", "target/CACHEDIR.TAG", "target/.rustc_info.json"},
          "target/.rustc_info.json",

@@ -19,7 +19,7 @@ class ProjectsTest(ProgramTest):
                              "pycache", "--untouched-days", "30", *options)
 
     def test_a_preview_names_the_build_folders_of_untouched_projects(self):
-        self.project("old", "node_modules/.package-lock.json", "node_modules/left-pad/index.js")
+        self.project("old", "node_modules/.package-lock.json", "node_modules/left-pad/package.json")
         self.project("by hand", "node_modules/mine.js")
         self.project("fresh", "node_modules/.package-lock.json")
         soon = self.home.stat().st_mtime + (LATER - 2) * 86_400

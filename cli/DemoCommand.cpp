@@ -80,6 +80,7 @@ public:
         if (!plan) return failed(plan.error().sentence);
         if (auto approved = approve(rule, *plan); !approved) return approved;
         if (auto previewed = previewPresets(); !previewed) return previewed;
+        if (auto previewed = previewProjects(); !previewed) return previewed;
         check(*plan);
         return conclude();
     }
@@ -190,6 +191,34 @@ private:
                              !isPlanned(plan, sample.home() / "Desktop/todo.txt");
         claims.push_back(
             {"the preset \"" + preset.name + "\" takes what has its names and nothing beside it", isRight});
+    }
+
+    CommandResult previewProjects() {
+        heading("6. Build folders of projects that nobody has touched for 30 days");
+        Rule rule;
+        rule.id = Uuid::random();
+        rule.name = "Old builds";
+        rule.target =
+            ProjectScanTarget{{sample.home() / "Code"}, {ArtifactKind::nodeModules, ArtifactKind::target}, 30};
+        rule.createdAt = session.clock();
+        const auto plan = planned(rule);
+        if (!plan) return failed(plan.error().sentence);
+        showPlan(session.output, session.guards, *plan);
+        session.output.line();
+        session.output.line({"  ~/Code/atlas was worked on two days ago, so its packages are no part of this."});
+        checkProjects(*plan);
+        return {};
+    }
+
+    void checkProjects(const CleanupPlan& plan) {
+        const auto code = sample.home() / "Code";
+        const bool isRight = plan.items.size() == 1 && plan.totalBytes() == bytesOnDisk(plan) &&
+                             plan.items.front().url == code / "shop/node_modules";
+        claims.push_back({"of the projects only the untouched one's packages would go", isRight});
+        const bool isNamed = std::ranges::any_of(plan.skipped, [&](const SkippedItem& item) {
+            return item.url == code / "archery/target" && item.reason == SkipReason::noToolSignature;
+        });
+        claims.push_back({"a folder that a person named \"target\" stays", isNamed});
     }
 
     void check(const CleanupPlan& plan) {

@@ -47,6 +47,18 @@ constexpr auto sampleFiles = std::to_array<SampleFile>({
     {"Desktop/Screenshot 2026-09-14 at 9.05.07 AM.png", 640},
     {"Desktop/Screen Recording 2026-09-20 at 18.31.44.mov", 2'200},
     {"Desktop/Screenshot for grandma.png", 500},
+    // An old project, a fresh one, and a folder that a person named like a build folder.
+    {"Code/shop/package.json", 1},
+    {"Code/shop/src/main.js", 12},
+    {"Code/shop/node_modules/.package-lock.json", 4},
+    {"Code/shop/node_modules/left-pad/package.json", 1},
+    {"Code/shop/node_modules/left-pad/index.js", 1'300},
+    {"Code/atlas/package.json", 1},
+    {"Code/atlas/src/map.js", 12},
+    {"Code/atlas/node_modules/.package-lock.json", 4},
+    {"Code/atlas/node_modules/left-pad/package.json", 1},
+    {"Code/archery/Cargo.toml", 1},
+    {"Code/archery/target/scores of the season.csv", 90},
     // What no rule may touch.
     {"Documents/letter to the bank.txt", 8},
     {"Desktop/todo.txt", 4},
@@ -96,6 +108,7 @@ bool fill(const SampleHome& sample, Date present) {
     fs::create_hard_link(downloads / "lecture.mov", downloads / "lecture (copy).mov", failure);
     if (!failure) fs::create_directory_symlink(sample.home() / "Pictures", downloads / "my pictures", failure);
     setModified(downloads / "still downloading.part", present - std::chrono::minutes(2));
+    setModified(sample.home() / "Code/atlas/src/map.js", present - std::chrono::days(2));
     return !failure;
 }
 

@@ -13,7 +13,8 @@ class DemoTest(ProgramTest):
         before = tree_of(self.home)
         for form, expected in (
                 ([], ("Would go to the Trash", "Left alone", "approved", "~/Documents", "hard links counted once",
-                      "Screen Recording 2026-09-20", "that does not look like a tool made it")),
+                      "Screen Recording 2026-09-20", "that does not look like a tool made it",
+                      "~/Code/shop untouched since")),
                 (["--json"], ('"holds": true',))):
             finished = subprocess.run([PROGRAM, *form, "demo"], capture_output=True, text=True, check=False,
                                       env=os.environ | {"TMPDIR": str(temporary), "HOME": str(self.home)})

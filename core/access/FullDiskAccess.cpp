@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <memory>
 
+#include "base/SystemError.h"
 #include "platform/OwnedDescriptor.h"
 
 namespace vostrel {
@@ -15,7 +16,7 @@ namespace {
 enum class Answer { granted, denied, nothingThere };
 
 Answer answerOf(int failure) {
-    return failure == ENOENT || failure == ENOTDIR ? Answer::nothingThere : Answer::denied;
+    return isMissing(failure) ? Answer::nothingThere : Answer::denied;
 }
 
 OwnedDescriptor opened(const std::filesystem::path& path, int kind) {

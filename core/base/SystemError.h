@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
 
@@ -16,5 +17,11 @@ struct SystemError {
 
     friend bool operator==(const SystemError&, const SystemError&) = default;
 };
+
+/// Whether a system call failed because nothing has that name: neither the last part of the path nor, as a folder, one
+/// of those before it.
+[[nodiscard]] inline bool isMissing(int error) {
+    return error == ENOENT || error == ENOTDIR;
+}
 
 }  // namespace vostrel

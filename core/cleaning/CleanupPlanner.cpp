@@ -71,7 +71,7 @@ std::optional<PlanError> PartCollector::collect(const OpenedRoot& root) {
     ItemSelection selection(rule, root, plan.roots.size(), now, plan, preset ? &*preset : nullptr);
     ItemAccounting accounting(questions, *planner.source, links,
                               [&](MeasuredItem&& item) { selection.take(std::move(item)); });
-    accounting.dropWhen(budget.isCancelled);
+    accounting.keepTo(budget);
     if (planner.progress) {
         accounting.watch([this](const WalkedFolder& folder, const TreeFacts& sum) { showProgress(folder, sum); });
     }

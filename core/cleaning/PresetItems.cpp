@@ -1,9 +1,9 @@
 #include "cleaning/PresetItems.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 
+#include "base/SystemError.h"
 #include "filesystem/FileFacts.h"
 #include "platform/FileStatus.h"
 #include "platform/FolderListing.h"
@@ -28,8 +28,7 @@ public:
 /// what cannot be read may have been just now.
 Date lastWritten(const std::filesystem::path& path) {
     const auto status = statusOfPath(path);
-    if (!status)
-        return status.error() == ENOENT || status.error() == ENOTDIR ? Date::distantPast() : Date::distantFuture();
+    if (!status) return isMissing(status.error()) ? Date::distantPast() : Date::distantFuture();
     if (status->type != EntryType::folder) return status->modified;
     const OwnedDescriptor folder(openFolder(path));
     if (!folder.isOpen()) return Date::distantFuture();

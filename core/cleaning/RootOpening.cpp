@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/SystemError.h"
 #include "base/Visit.h"
 #include "filesystem/PathForm.h"
 #include "platform/CloudState.h"
@@ -36,7 +37,7 @@ PlanError errorOf(const ResolveError& error) {
 }
 
 PlanError errorOfMissing(int code) {
-    return PlanError::of(code == ENOENT || code == ENOTDIR ? Kind::rootMissing : Kind::rootUnreadable);
+    return PlanError::of(isMissing(code) ? Kind::rootMissing : Kind::rootUnreadable);
 }
 
 std::optional<PlanError> presetProblem(const Rule& rule, const Preset* preset) {

@@ -1,9 +1,9 @@
 #include "filesystem/FolderWalk.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <thread>
 
+#include "base/SystemError.h"
 #include "platform/Materialisation.h"
 
 namespace vostrel {
@@ -15,10 +15,6 @@ constexpr std::size_t foldersAhead = 32;
 
 // Below this many folders a walk is over before a helper has woken.
 constexpr std::size_t foldersBeforeHelp = 32;
-
-bool hasVanished(int error) {
-    return error == ENOENT || error == ENOTDIR;
-}
 
 ListingEnd endOf(ListedFolder::Result result) {
     if (result == ListedFolder::Result::failed) return ListingEnd::failed;
@@ -127,7 +123,7 @@ void FolderWalk::account(ListedFolder& folder) {
     const WalkedFolder walked = folder.asWalked();
     switch (folder.result) {
         case ListedFolder::Result::couldNotOpen:
-            if (folder.depth == 0 || !hasVanished(folder.error)) accounting.couldNotOpen(walked, folder.error);
+            if (folder.depth == 0 || !isMissing(folder.error)) accounting.couldNotOpen(walked, folder.error);
             putBack(&folder);
             return;
         case ListedFolder::Result::onOtherVolume:

@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "platform/CloudState.h"
-#include "platform/MountAliases.h"
 #include "platform/UserAccount.h"
 #include "platform/VolumeFacts.h"
 
@@ -52,7 +51,7 @@ GuardSurroundings GuardSurroundings::of(const std::filesystem::path& home, const
     surroundings.resolve = resolvedByTheSystem;
     surroundings.examine = examinedBySystem;
     surroundings.isMountPoint = vostrel::isMountPoint;
-    surroundings.otherPaths = vostrel::otherPathsOf;
+    surroundings.mountAliases = vostrel::mountAliasesOf;
     surroundings.isInICloud = vostrel::isInCloudStorage;
     surroundings.isDatalessPath = vostrel::isDataless;
     return surroundings;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "filesystem/FileIdentity.h"
+#include "platform/MountAliases.h"
 #include "platform/ProcessEnvironment.h"
 #include "platform/SystemKind.h"
 #include "platform/UserFolders.h"
@@ -40,9 +41,9 @@ struct GuardSurroundings {
     /// What a path leads to and who owns it; nothing when that cannot be read.
     std::function<std::optional<FileOwner>(const std::filesystem::path&)> examine;
     std::function<bool(const std::filesystem::path&)> isMountPoint;
-    /// At which other paths mounts show what lies at a path without links.
-    std::function<std::vector<std::filesystem::path>(const std::filesystem::path&)> otherPaths =
-        [](const std::filesystem::path&) { return std::vector<std::filesystem::path>(); };
+    /// Where else mounts show what lies at or below a path without links.
+    std::function<std::vector<MountAlias>(const std::filesystem::path&)> mountAliases =
+        [](const std::filesystem::path&) { return std::vector<MountAlias>(); };
     std::function<bool(const std::filesystem::path&)> isInICloud;
     std::function<bool(const std::filesystem::path&)> isDatalessPath;
 

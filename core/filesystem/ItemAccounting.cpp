@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <utility>
 
+#include "base/SystemError.h"
+
 namespace vostrel {
 
 namespace {
@@ -15,6 +17,9 @@ constexpr WalkDecision notAnItem{1};
 constexpr WalkDecision protectedPlace{2};
 constexpr WalkDecision excludedName{3};
 constexpr WalkDecision unrecognised{4};
+
+// A folder may hold a million items, each with a name to be compared with many patterns.
+constexpr std::size_t entriesBetweenLooks = 256;
 
 bool isLeftOutFor(WalkDecision decision, WalkDecision reason) {
     return decision.leftOutFor == reason.leftOutFor;
@@ -223,19 +228,23 @@ void ItemAccounting::countLinkedFiles(const ItemNotes& notes) {
     Level& level = levels.back();
     for (const auto& file : notes.linkedFiles) {
         const FileIdentity identity{level.status.device, file.fileID};
-        const bool isNewToItem = itemLinks->insert(identity);
-        if (links.insert(identity)) {
-            level.facts.addFile(file.allocated);
-        } else if (isNewToItem) {
-            level.facts.addShared(file.allocated);
-        }
+        if (itemLinks->insert(identity)) addLinked(level.facts, identity, file.allocated);
     }
+}
+
+/// Each item holds the file, but only the first that is measured counts its bytes.
+void ItemAccounting::addLinked(TreeFacts& facts, FileIdentity file, std::int64_t allocated) {
+    const bool isNew = links.insert(file);
+    facts.addFile(isNew ? allocated : 0);
+    if (!isNew) facts.addShared(allocated);
 }
 
 void ItemAccounting::reportEntries(const ItemNotes& notes) {
     const bool wantsFolders = questions.itemsAre == ItemsAre::topLevelEntries;
+    std::size_t count = 0;
     for (const auto& kept : notes.entries) {
         if (isCancelled()) return;
+        isLate = isLate || (++count % entriesBetweenLooks == 0 && budget != nullptr && budget->isSpent());
         const std::string_view name = notes.nameOf(kept);
         const EntryType type = kept.entry.type;
         const bool isFolder = type == EntryType::folder;
@@ -266,6 +275,8 @@ void ItemAccounting::reportEntry(std::string_view folder, std::string_view name,
     } else if (auto refusal = questions.guards.refusalForWalkedItem(questions.root, folder, name)) {
         item.trouble = Trouble::isProtected;
         item.facts.protectedRefusal = std::move(refusal);
+    } else if (isLate) {
+        item.trouble = Trouble::notMeasuredInTime;
     } else if (!questions.admits(name, entry.fileID, entry.type)) {
         return;
     } else if (entry.error != 0) {
@@ -280,9 +291,11 @@ void ItemAccounting::reportEntry(std::string_view folder, std::string_view name,
 void ItemAccounting::measure(const FolderEntry& entry, MeasuredItem& item) {
     item.facts.addDates(entry.modified, entry.changed, entry.added);
     item.facts.containsDataless = entry.isDataless;
-    const bool isCountedAlready = entry.linkCount >= 2 && !links.insert(item.identity);
-    item.facts.addFile(isCountedAlready ? 0 : entry.allocated);
-    if (isCountedAlready) item.facts.addShared(entry.allocated);
+    if (entry.linkCount >= 2) {
+        addLinked(item.facts, item.identity, entry.allocated);
+    } else {
+        item.facts.addFile(entry.allocated);
+    }
     levels.back().facts.addFile(item.facts.bytes);
     item.added = std::max(entry.added, levels.back().added);
     item.accessed = entry.accessed;
@@ -309,7 +322,9 @@ void ItemAccounting::reportFolder(Level level, const WalkedFolder& folder, bool 
     item.accessed = level.status.accessed;
     if (stopped) {
         item.trouble = Trouble::notMeasuredInTime;
-    } else if (!isSameAndUnchanged(level.status, source.lookUp(std::string(folder.path)))) {
+    } else if (const auto now = source.lookUp(std::string(folder.path)); !now && !isMissing(now.error())) {
+        item.trouble = Trouble::couldNotRead;
+    } else if (!isSameAndUnchanged(level.status, now)) {
         item.trouble = Trouble::changedMeanwhile;
     }
     found(std::move(item));

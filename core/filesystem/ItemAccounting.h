@@ -14,6 +14,7 @@
 #include "filesystem/MeasuredItem.h"
 #include "filesystem/PathGuards.h"
 #include "filesystem/WalkAccounting.h"
+#include "filesystem/WalkBudget.h"
 
 namespace vostrel {
 
@@ -80,8 +81,9 @@ public:
     /// Has `seen` called with each folder that was listed and the sum of the files directly in it.
     void watch(std::function<void(const WalkedFolder&, const TreeFacts&)> seen) { watcher = std::move(seen); }
 
-    /// A folder may hold a million items: once `test` says yes the rest of them are dropped unreported.
-    void dropWhen(std::function<bool()> test) { cancelled = std::move(test); }
+    /// A folder may hold a million items: once the walk is cancelled the rest of them are dropped unreported, and after
+    /// the deadline they are named as not measured in time. The budget outlives the walk.
+    void keepTo(const WalkBudget& limit) { budget = &limit; }
 
     [[nodiscard]] std::unique_ptr<FolderNotes> makeNotes() const override;
     void prepare(const WalkedFolder& folder, const FolderNotes* parent, FolderNotes& notes) override;
@@ -112,7 +114,7 @@ private:
     };
 
     [[nodiscard]] WalkDecision decisionOn(const WalkedFolder& folder) const;
-    [[nodiscard]] bool isCancelled() const { return cancelled && cancelled(); }
+    [[nodiscard]] bool isCancelled() const { return budget != nullptr && budget->isCancelled && budget->isCancelled(); }
     [[nodiscard]] bool holdsItems(std::size_t depth) const;
     [[nodiscard]] bool isItem(std::size_t depth) const;
     [[nodiscard]] static std::string relativePathOf(const WalkedFolder& folder);
@@ -122,6 +124,7 @@ private:
     void reportEntry(std::string_view folder, std::string_view name, const FolderEntry& entry);
     void measure(const FolderEntry& entry, MeasuredItem& item);
     void countLinkedFiles(const ItemNotes& notes);
+    void addLinked(TreeFacts& facts, FileIdentity file, std::int64_t allocated);
     /// What a listing that ended early did not come to.
     void reportRest(const WalkedFolder& folder, ListingEnd end);
     void reportFolder(Level level, const WalkedFolder& folder, bool stopped);
@@ -132,7 +135,8 @@ private:
     LinkSet& links;
     std::function<void(MeasuredItem&&)> found;
     std::function<void(const WalkedFolder&, const TreeFacts&)> watcher;
-    std::function<bool()> cancelled;
+    const WalkBudget* budget = nullptr;
+    bool isLate = false;
     FileIdentity root;
     std::vector<Level> levels;
     /// The hard-linked files of the folder item that is being measured.

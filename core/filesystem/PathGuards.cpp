@@ -1,8 +1,8 @@
 #include "filesystem/PathGuards.h"
 
 #include <algorithm>
-#include <cerrno>
 
+#include "base/SystemError.h"
 #include "base/UnicodeText.h"
 #include "filesystem/ProtectedNames.h"
 #include "filesystem/ScreenshotName.h"
@@ -49,7 +49,7 @@ Refusal PathGuards::refusalForRoot(const std::filesystem::path& root,
 
     const auto real = resolvedForm(root);
     if (!real) return refusal::unreadable(judged.display);
-    judged.forms = recognisedForms(*real);
+    judged.forms = recognisedForms(*real, real->componentCount());
     if (auto refused = textRefusal(judged, Asked::root, allowed)) return refused;
 
     if (around->isMountPoint(real->spelledPath())) return refusal::wholeDisk(judged.display);
@@ -66,13 +66,11 @@ Refusal PathGuards::refusalForItem(const std::filesystem::path& item,
 
     const auto path = trimmedPath(item);
     const auto folder = resolvedForm(path.parent_path());
-    judged.forms.clear();
-    for (const auto& form : folder ? recognisedForms(*folder) : std::vector<PathForm>()) {
-        auto own = formBelow(form, path.filename().native());
-        if (own) judged.forms.push_back(*std::move(own));
-    }
-    if (judged.forms.empty()) return refusal::unreadable(judged.display);
+    const auto real = folder ? formBelow(*folder, path.filename().native()) : std::nullopt;
+    if (!real) return refusal::unreadable(judged.display);
+    judged.forms = recognisedForms(*real, folder->componentCount());
     if (auto refused = textRefusal(judged, Asked::item, allowed)) return refused;
+    if (auto refused = aliasedBelowRefusal(*real, judged.display)) return refused;
 
     if (around->isMountPoint(path)) return refusal::wholeDisk(judged.display);
     if (around->isInICloud(item)) return refusal::inCloud(Asked::item, judged.display);
@@ -97,8 +95,14 @@ PathGuards::WalkRoot PathGuards::walkRoot(const std::filesystem::path& root,
     const auto real = resolvedForm(root);
     if (!real) return walk;
     walk.isReadable = true;
-    for (auto& form : recognisedForms(*real)) {
+    for (auto& form : recognisedForms(*real, real->componentCount())) {
         if (std::ranges::find(walk.known, form) == walk.known.end()) walk.known.push_back(std::move(form));
+    }
+    for (const auto& mounted : around->mountAliases(real->spelledPath())) {
+        const auto below = mounted.below.empty() ? std::nullopt : formBelow(*real, mounted.below);
+        auto inHome = PathForm::of(mounted.path);
+        if (!below || !inHome || !places->concernsAHome(*inHome)) continue;
+        walk.aliases.push_back({std::string(below->keyBelow(real->componentCount())), *std::move(inHome)});
     }
 
     const auto allowed = permission(exception);
@@ -115,7 +119,8 @@ PathGuards::WalkRoot PathGuards::walkRoot(const std::filesystem::path& root,
     walk.inICloud = around->isInICloud(root);
     walk.inCaches = std::ranges::all_of(walk.standings, &Standing::inCaches);
     walk.belowLibrary = std::ranges::any_of(walk.standings, &Standing::belowLibrary);
-    walk.isClear = !walk.inICloud && !walk.screenshotsOnly && std::ranges::all_of(walk.standings, &Standing::isClear);
+    walk.isClear = !walk.inICloud && !walk.screenshotsOnly && walk.aliases.empty() &&
+                   std::ranges::all_of(walk.standings, &Standing::isClear);
     return walk;
 }
 
@@ -161,6 +166,11 @@ Refusal PathGuards::refusalBelow(const WalkRoot& root, std::string_view relative
         if (!form) return refusal::unreadable(shown);
         const auto standing = places->tree.standingBelow(root.standings[at], form->keyBelow(root.standings[at].depth));
         if (auto refused = placeRefusal(*places, {*form, standing, Asked::item, shown})) return refused;
+    }
+    for (const auto& alias : root.aliases) {
+        const auto form = formBelow(root.known.front(), relativePath);
+        if (!form) return refusal::unreadable(shown);
+        if (auto refused = aliasRefusal(alias, *form, root.known.front().componentCount(), shown)) return refused;
     }
     if (root.inICloud) return refusal::inCloud(Asked::item, shown);
     return std::nullopt;
@@ -216,20 +226,18 @@ std::optional<PathForm> PathGuards::resolvedForm(const std::filesystem::path& pa
     for (;;) {
         const auto real = around->resolve(existing);
         if (real) return PathForm::of(*real / missing);
-        const bool isMissing = real.error() == ENOENT || real.error() == ENOTDIR;
-        if (!isMissing || !existing.has_relative_path()) return std::nullopt;
+        if (!isMissing(real.error()) || !existing.has_relative_path()) return std::nullopt;
         missing = missing.empty() ? existing.filename() : existing.filename() / missing;
         existing = existing.parent_path();
     }
 }
 
-/// The form, and before it those that the path has by what its folders are: a place that is mounted a second time keeps
-/// its identity, and of a folder inside one the mounts tell where else it lies. Only in a home does that matter: there
-/// a person's things are, while the startup disk as a whole, mounted again among other disks, would close everything.
-std::vector<PathForm> PathGuards::recognisedForms(const PathForm& form) const {
+/// The form, and before it those that the path has by what it is: a place that is mounted a second time keeps its
+/// identity, asked of the first `followed` components, and the mounts tell where else a folder lies. That matters only
+/// near a home: there a person's things are, while the startup disk, mounted again among other disks, would close all.
+std::vector<PathForm> PathGuards::recognisedForms(const PathForm& form, std::size_t followed) const {
     std::vector<PathForm> forms;
-    const auto depth = form.componentCount();
-    for (std::size_t above = 1; above <= depth; ++above) {
+    for (std::size_t above = 1; above <= followed; ++above) {
         const auto facts = around->examine(form.spelledPrefix(above));
         if (!facts) continue;
         const auto place = places->recognised.find(facts->identity);
@@ -238,17 +246,38 @@ std::vector<PathForm> PathGuards::recognisedForms(const PathForm& form) const {
         if (!present || present->identity != facts->identity) continue;  // the number went to another folder since
         if (auto alias = formBelow(place->second, form.spelledBelow(above))) forms.push_back(std::move(*alias));
     }
-    for (const auto& path : around->otherPaths(form.spelledPath())) {
-        auto alias = PathForm::of(path);
-        if (alias && isInAHome(*alias)) forms.push_back(*std::move(alias));
+    for (const auto& mounted : around->mountAliases(form.spelledPath())) {
+        auto alias = mounted.below.empty() ? PathForm::of(mounted.path) : std::nullopt;
+        if (alias && places->concernsAHome(*alias)) forms.push_back(*std::move(alias));
     }
     forms.push_back(form);
     return forms;
 }
 
-bool PathGuards::isInAHome(const PathForm& form) const {
-    return std::ranges::any_of(places->homeForms, [&](const PathForm& home) { return home.contains(form); }) ||
-           places->tree.standing(form).accountTree.has_value();
+/// Of an item at or below a folder that is mounted in a home: what it is there.
+Refusal PathGuards::aliasRefusal(const WalkRoot::Alias& alias, const PathForm& form, std::size_t rootDepth,
+                                 const std::string& shown) const {
+    const auto key = form.keyBelow(rootDepth);
+    const bool isInside =
+        key.starts_with(alias.keyBelow) && (key.size() == alias.keyBelow.size() || key[alias.keyBelow.size()] == '/');
+    if (!isInside) return std::nullopt;
+    const auto depth = rootDepth + static_cast<std::size_t>(std::ranges::count(alias.keyBelow, '/'));
+    const auto inHome = formBelow(alias.form, form.spelledBelow(depth));
+    if (!inHome) return refusal::unreadable(shown);
+    return placeRefusal(*places, {*inHome, places->tree.standing(*inHome), Asked::item, shown});
+}
+
+/// Of an item that holds a folder which is mounted in a home: a protected one would be emptied with it.
+Refusal PathGuards::aliasedBelowRefusal(const PathForm& item, const std::string& shown) const {
+    for (const auto& mounted : around->mountAliases(item.spelledPath())) {
+        const auto alias = mounted.below.empty() ? std::nullopt : PathForm::of(mounted.path);
+        if (!alias || !places->concernsAHome(*alias)) continue;
+        const auto place = displayPath(mounted.path);
+        if (placeRefusal(*places, {*alias, places->tree.standing(*alias), Asked::item, place})) {
+            return refusal::holdsPlace(shown, place);
+        }
+    }
+    return std::nullopt;
 }
 
 std::optional<GuardPermission> PathGuards::permission(const std::optional<GuardException>& exception) const {

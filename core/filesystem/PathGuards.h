@@ -39,9 +39,16 @@ public:
 
     private:
         friend class PathGuards;
+        /// A folder below the root that is mounted inside a home as well.
+        struct Alias {
+            std::string keyBelow;
+            PathForm form;
+        };
+
         std::filesystem::path path;
         std::vector<PathForm> known;
         std::vector<PlaceTree::Standing> standings;
+        std::vector<Alias> aliases;
         bool protectedExtension = false;
         bool isReadable = false;
         bool isClear = false;
@@ -106,8 +113,10 @@ private:
 
     [[nodiscard]] Entry entry(const std::filesystem::path& path) const;
     [[nodiscard]] std::optional<PathForm> resolvedForm(const std::filesystem::path& path) const;
-    [[nodiscard]] std::vector<PathForm> recognisedForms(const PathForm& form) const;
-    [[nodiscard]] bool isInAHome(const PathForm& form) const;
+    [[nodiscard]] std::vector<PathForm> recognisedForms(const PathForm& form, std::size_t followed) const;
+    [[nodiscard]] std::optional<std::string> aliasRefusal(const WalkRoot::Alias& alias, const PathForm& form,
+                                                          std::size_t rootDepth, const std::string& shown) const;
+    [[nodiscard]] std::optional<std::string> aliasedBelowRefusal(const PathForm& item, const std::string& shown) const;
     [[nodiscard]] std::optional<GuardPermission> permission(const std::optional<GuardException>& exception) const;
     [[nodiscard]] std::optional<std::string> textRefusal(const Entry& judged, Asked asked,
                                                          const std::optional<GuardPermission>& permission) const;

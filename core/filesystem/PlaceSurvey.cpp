@@ -62,14 +62,15 @@ public:
     PlaceSurvey survey() {
         survey_.homeForms = formsOf(around.home);
         if (survey_.homeForms.empty()) return {};
-        if (!around.accountHome.empty()) accountForms = formsOf(around.accountHome);
-        if (!accountForms.empty() && accountForms.back() == survey_.homeForms.back()) accountForms.clear();
+        if (!around.accountHome.empty()) survey_.accountForms = formsOf(around.accountHome);
+        if (!survey_.accountForms.empty() && survey_.accountForms.back() == survey_.homeForms.back())
+            survey_.accountForms.clear();
 
         addSystemPlaces();
         addHomes();
         addPackages();
         addHomesPlaces(survey_.homeForms);
-        addHomesPlaces(accountForms);
+        addHomesPlaces(survey_.accountForms);
         addUserFolders();
         addTemporaryFolder();
         return std::move(survey_);
@@ -133,8 +134,8 @@ private:
     }
 
     void addHomes() {
-        const bool isAccounts = accountForms.empty();
-        for (const auto& form : isAccounts ? survey_.homeForms : accountForms) {
+        const bool isAccounts = survey_.accountForms.empty();
+        for (const auto& form : isAccounts ? survey_.homeForms : survey_.accountForms) {
             PlaceTree::Marks marks = isAccounts ? PlaceTree::exact : PlaceTree::accountTree;
             if (!isOrHoldsPlace(form)) marks |= PlaceTree::opensSystemTree | PlaceTree::opensOthersHome;
             survey_.tree.addWayTo(form);
@@ -183,7 +184,7 @@ private:
         for (const auto& [part, folder] : around.userFolders) {
             const auto form = PathForm::of(folder);
             // The desktop names the home itself for a part that is switched off.
-            if (!form || contains(*form, survey_.homeForms) || contains(*form, accountForms)) continue;
+            if (!form || contains(*form, survey_.homeForms) || contains(*form, survey_.accountForms)) continue;
             add(folder, marksOf(part), shown(folder));
         }
     }
@@ -212,7 +213,6 @@ private:
     }
 
     const GuardSurroundings& around;
-    std::vector<PathForm> accountForms;
     PlaceSurvey survey_;
 };
 
@@ -227,6 +227,13 @@ std::string readable(std::string text) {
 
 PlaceSurvey PlaceSurvey::of(const GuardSurroundings& surroundings) {
     return Surveyor(surroundings).survey();
+}
+
+bool PlaceSurvey::concernsAHome(const PathForm& form) const {
+    const auto isConcerned = [&](const PathForm& home) {
+        return home.componentCount() > 0 && (home.contains(form) || form.contains(home));
+    };
+    return std::ranges::any_of(homeForms, isConcerned) || std::ranges::any_of(accountForms, isConcerned);
 }
 
 std::string shownPath(const std::filesystem::path& path, const std::vector<PathForm>& homeForms) {

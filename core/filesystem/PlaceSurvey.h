@@ -16,9 +16,14 @@ struct PlaceSurvey {
     PlaceTree tree;
     /// The forms of the home folder acted in: as given and as resolved.
     std::vector<PathForm> homeForms;
+    /// The same of the account's own home, where that is another one.
+    std::vector<PathForm> accountForms;
     std::map<FileIdentity, PathForm> recognised;
 
     static PlaceSurvey of(const GuardSurroundings& surroundings);
+
+    /// Whether it is one of the homes, lies in one or holds one.
+    [[nodiscard]] bool concernsAHome(const PathForm& form) const;
 };
 
 /// The path as people are shown it: the home folder as "~". Goes by the text alone.

@@ -1,7 +1,6 @@
 #include "filesystem/SizeWalker.h"
 
-#include <cerrno>
-
+#include "base/SystemError.h"
 #include "filesystem/MarkIndex.h"
 #include "filesystem/SizeAccounting.h"
 
@@ -10,7 +9,7 @@ namespace vostrel {
 namespace {
 
 WalkResult resultOf(int error, bool fullDiskAccess) {
-    if (error == ENOENT || error == ENOTDIR) return Missing{};
+    if (isMissing(error)) return Missing{};
     return Unreadable{unreadableReasonOf(error, fullDiskAccess)};
 }
 

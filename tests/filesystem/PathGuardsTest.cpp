@@ -379,7 +379,43 @@ TEST(PathGuardsOnDiskTest, recognisesAPlaceMountedASecondTime) {
         ASSERT_EQ(::mount(keys.c_str(), alias.c_str(), nullptr, MS_BIND, nullptr), 0);
         EXPECT_EQ(guards.refusalForRoot(alias), said(inside, "~/.ssh"));
         expectVerdicts(guards, {{"~/src/alias/old/keys = ~/.ssh", inside}}, {.textTells = false});
-        EXPECT_EQ(guards.refusalForItem(alias), said(disk, "~/src/alias"));
+        EXPECT_EQ(guards.refusalForItem(alias), said(inside, "~/.ssh"));
+
+        // One that a later mount covers tells nothing of what is seen there.
+        ASSERT_EQ(::mount("none", folder.makeFolder("home/m/x").c_str(), "tmpfs", 0, nullptr), 0);
+        ASSERT_EQ(::mount((keys / "old").c_str(), (folder / "home/m").c_str(), nullptr, MS_BIND, nullptr), 0);
+        EXPECT_EQ(guards.refusalForRoot(folder / "home/m/x"), said(inside, "~/.ssh"));
+    });
+    if (!ran) GTEST_SKIP() << "this account may not mount";
+}
+
+TEST(PathGuardsOnDiskTest, protectsWhatIsMountedInAHomeWhereItComesFrom) {
+    const TemporaryFolder folder;
+    const auto papers = folder.makeFolder("data/big/papers/2024").parent_path();
+    const auto documents = folder.makeFolder("people/ann/Documents");
+    const auto again = folder.makeFolder("again");
+    const PathGuards guards(folder / "people/ann", {});
+    const auto walked = [&](const char* root, const char* item) {
+        return guards.refusalForWalkedItem(guards.walkRoot(folder / root), item);
+    };
+    EXPECT_EQ(walked("data/big", "papers"), std::nullopt);
+    EXPECT_EQ(guards.refusalForItem(folder / "data/big"), std::nullopt);
+    const bool ran = withPrivateMounts([&] {
+        ASSERT_EQ(::mount(papers.c_str(), documents.c_str(), nullptr, MS_BIND, nullptr), 0);
+        for (const char* item : {"papers", "PAPERS/2024", "papers/letter"})
+            EXPECT_EQ(walked("data/big", item), said(inside, "~/Documents")) << item;
+        for (const char* item : {"papers2", "other"})
+            EXPECT_EQ(walked("data/big", item), std::nullopt) << item;
+        EXPECT_EQ(guards.refusalForRoot(folder / "data/big/papers/2024"), said(inside, "~/Documents"));
+        EXPECT_EQ(guards.refusalForItem(papers / "letter"), said(inside, "~/Documents"));
+        EXPECT_EQ(guards.refusalForItem(folder / "data/big"),
+                  said(holds, "~/Documents", (folder / "data/big").native()));
+
+        ASSERT_EQ(::mount((folder / "people").c_str(), again.c_str(), nullptr, MS_BIND, nullptr), 0);
+        EXPECT_NE(guards.refusalForRoot(again), std::nullopt);
+        EXPECT_NE(walked("again", "ann"), std::nullopt) << "the home itself";
+        EXPECT_EQ(walked("again", "ann/.ssh/key"), said(inside, "~/.ssh"));
+        EXPECT_EQ(walked("again", "ann/src"), std::nullopt);
     });
     if (!ran) GTEST_SKIP() << "this account may not mount";
 }

@@ -4,7 +4,8 @@
 #include <charconv>
 #include <fstream>
 
-#include "platform/MountAliases.h"
+#include "base/SystemError.h"
+#include "platform/FileStatus.h"
 
 namespace vostrel {
 
@@ -50,16 +51,14 @@ std::filesystem::path joined(const std::filesystem::path& folder, std::string_vi
     return path.empty() ? folder : folder / path;
 }
 
-/// The mount that shows the path: the innermost, and of several at one place the one that covers the others.
-const MountInfo* mountAround(const std::vector<MountInfo>& mounts, const std::filesystem::path& path) {
-    const MountInfo* innermost = nullptr;
-    for (const auto& mount : mounts) {
-        if (!below(mount.mountPoint.native(), path.native())) continue;
-        const bool isFurtherIn =
-            innermost == nullptr || mount.mountPoint.native().size() >= innermost->mountPoint.native().size();
-        if (isFurtherIn) innermost = &mount;
+/// The mount that the path lies on, or the nearest folder above it that there is; 0 when that is not known.
+std::uint64_t mountAround(std::filesystem::path path) {
+    while (true) {
+        const auto status = statusOfPath(path);
+        if (status) return status->mount;
+        if (!isMissing(status.error()) || !path.has_relative_path()) return 0;
+        path = path.parent_path();
     }
-    return innermost;
 }
 
 }  // namespace
@@ -96,22 +95,26 @@ std::vector<MountInfo> readMountInfo() {
     return mounts;
 }
 
-std::vector<std::filesystem::path> otherPathsAmong(const std::vector<MountInfo>& mounts,
-                                                   const std::filesystem::path& path) {
-    std::vector<std::filesystem::path> others;
-    const MountInfo* own = mountAround(mounts, path);
-    if (own == nullptr) return others;
-    const auto inside = joined(own->root, below(own->mountPoint.native(), path.native()).value_or(""));
+std::vector<MountAlias> mountAliasesAmong(const std::vector<MountInfo>& mounts, std::uint64_t around,
+                                          const std::filesystem::path& path) {
+    std::vector<MountAlias> aliases;
+    const auto own = std::ranges::find(mounts, around, &MountInfo::id);
+    const auto rest = own == mounts.end() ? std::nullopt : below(own->mountPoint.native(), path.native());
+    if (!rest) return aliases;
+    const auto inside = joined(own->root, *rest);
     for (const auto& mount : mounts) {
-        if (&mount == own || mount.device != own->device) continue;
-        const auto rest = below(mount.root.native(), inside.native());
-        if (rest) others.push_back(joined(mount.mountPoint, *rest));
+        if (mount.id == own->id || mount.device != own->device) continue;
+        if (const auto deeper = below(mount.root.native(), inside.native())) {
+            aliases.push_back({"", joined(mount.mountPoint, *deeper)});
+        } else if (const auto within = below(inside.native(), mount.root.native())) {
+            aliases.push_back({std::string(*within), mount.mountPoint});
+        }
     }
-    return others;
+    return aliases;
 }
 
-std::vector<std::filesystem::path> otherPathsOf(const std::filesystem::path& path) {
-    return otherPathsAmong(readMountInfo(), path);
+std::vector<MountAlias> mountAliasesOf(const std::filesystem::path& path) {
+    return mountAliasesAmong(readMountInfo(), mountAround(path), path);
 }
 
 }  // namespace vostrel

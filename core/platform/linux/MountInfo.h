@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/MountAliases.h"
+
 namespace vostrel {
 
 /// One line of the kernel's mount table.
@@ -31,8 +33,9 @@ struct MountInfo {
 /// earlier one. Empty where /proc is not to be had.
 [[nodiscard]] std::vector<MountInfo> readMountInfo();
 
-/// Where else these mounts show what lies at the path.
-[[nodiscard]] std::vector<std::filesystem::path> otherPathsAmong(const std::vector<MountInfo>& mounts,
-                                                                 const std::filesystem::path& path);
+/// Where else these mounts show what lies at the path, or below it. `around` is the id of the mount that the path lies
+/// on: its text alone does not tell a mount from one that covers it.
+[[nodiscard]] std::vector<MountAlias> mountAliasesAmong(const std::vector<MountInfo>& mounts, std::uint64_t around,
+                                                        const std::filesystem::path& path);
 
 }  // namespace vostrel

@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "base/SystemError.h"
 #include "base/Uuid.h"
 #include "platform/OwnedDescriptor.h"
 #include "platform/linux/MountInfo.h"
@@ -160,7 +161,7 @@ bool isMountRoot(int openFolder) {
 
 bool isMountPoint(const std::filesystem::path& folder) {
     const OwnedDescriptor named(::open(folder.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    if (!named.isOpen()) return errno != ENOENT && errno != ENOTDIR;
+    if (!named.isOpen()) return !isMissing(errno);
     return isMountRoot(named.get());
 }
 

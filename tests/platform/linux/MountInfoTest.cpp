@@ -32,17 +32,26 @@ TEST(MountInfoTest, findsWhereElseAFolderIsShown) {
         {3, "8:2", "/ann/.ssh", "/mnt/x", "ext4", ""},  {4, "8:1", "/srv", "/mnt/x/deep", "ext4", ""},
         {5, "0:9", "/", "/home/bob", "tmpfs", "tmpfs"},
     };
-    const std::pair<const char*, std::vector<std::filesystem::path>> rows[] = {
-        {"/mnt/x", {"/home/ann/.ssh"}},
-        {"/mnt/x/new/key", {"/home/ann/.ssh/new/key"}},
-        {"/home/ann/.ssh/new", {"/mnt/x/new"}},
-        {"/home/ann/.sshx", {}},
-        {"/mnt/x/deep/a", {"/srv/a"}},
-        {"/srv/a", {"/mnt/x/deep/a"}},
-        {"/home/bob/a", {}},
+    struct Row {
+        std::uint64_t around;
+        const char* path;
+        std::vector<MountAlias> expected;
     };
-    for (const auto& [path, expected] : rows)
-        EXPECT_EQ(otherPathsAmong(mounts, path), expected) << path;
+    const Row rows[] = {
+        {3, "/mnt/x", {{"", "/home/ann/.ssh"}}},
+        {3, "/mnt/x/new/key", {{"", "/home/ann/.ssh/new/key"}}},
+        {2, "/home/ann/.ssh/new", {{"", "/mnt/x/new"}}},
+        {2, "/home/ann/.sshx", {}},
+        {2, "/home/ann", {{".ssh", "/mnt/x"}}},
+        {4, "/mnt/x/deep/a", {{"", "/srv/a"}}},
+        {3, "/mnt/x/deep/a", {{"", "/home/ann/.ssh/deep/a"}}},
+        {1, "/", {{"srv", "/mnt/x/deep"}}},
+        {5, "/home/bob/a", {}},
+        {9, "/srv", {}},
+        {3, "/elsewhere", {}},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(mountAliasesAmong(mounts, row.around, row.path), row.expected) << row.path;
 }
 
 }  // namespace

@@ -248,6 +248,20 @@ TEST_F(CleanupPlannerTest, namesWhatItCouldNotMeasureInTime) {
     }
 }
 
+TEST_F(CleanupPlannerTest, judgesNoNamesOnceTheTimeIsUp) {
+    constexpr std::size_t files = 600;
+    for (std::size_t file = 0; file < files; ++file)
+        make({"wide/" + std::to_string(file)});
+    std::size_t seen = 0;
+    source->onEntry = [&](FolderEntry&) { ++seen; };
+    planner.clock = [&] { return seen == files ? now + 1h : now; };
+    planner.helpers = 0;
+    const auto plan = planned(ruleOn("wide"));
+    EXPECT_GT(plan.items.size(), 0);
+    EXPECT_LT(plan.items.size(), files / 2);
+    EXPECT_EQ(verdicts(plan).size(), files + 1) << "every file, and the folder whose listing was cut off";
+}
+
 TEST_F(CleanupPlannerTest, tellsWhenAnApprovalNamesOtherFolders) {
     home.makeFolder("cache");
     Rule rule = ruleOn("cache");

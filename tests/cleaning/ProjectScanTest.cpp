@@ -46,12 +46,10 @@ protected:
         if (!plan) return {{"the plan", plan.error().sentence}};
         return home.verdicts(*plan);
     }
-    /// Makes a file, a folder ("a/") or a link ("a -> b") below the home.
+    /// Makes a file or a link ("a -> b") below the home.
     void make(const std::string& entry) const {
         if (const auto arrow = entry.find(" -> "); arrow != std::string::npos) {
             home.home.makeLink(entry.substr(0, arrow), entry.substr(arrow + 4));
-        } else if (entry.ends_with('/')) {
-            home.home.makeFolder(entry.substr(0, entry.size() - 1));
         } else if (entry.ends_with("/CACHEDIR.TAG")) {
             home.home.makeFile(entry, "Signature: 8a477f597d28d172789f06886806bc55\n# made by a tool");
         } else {
@@ -75,217 +73,79 @@ protected:
     PlannerHome home;
 };
 
-/// A build folder as its tool leaves it, and what a person would have to put in to make it theirs.
-struct Layout {
-    const char* name;
-    ArtifactKind kind;
-    std::vector<std::string> beside;
-    std::vector<std::string> content;
-    /// A file of a person's, in the folder; empty where anything may come from the sources.
-    const char* ofPerson;
-    /// Where a repository inside would lie; empty where the tool keeps repositories itself.
-    const char* inner;
-};
+/// Build folders as their tools leave them: a name, the folder, what lies beside it and what in it; then a file that
+/// makes it a person's, and the folder in which a repository inside would lie ("-" where the tool keeps repositories).
+constexpr std::string_view layouts = R"(
+npm | node_modules | package.json | .package-lock.json, .bin/a -> ../a/a.js, a/package.json, @b/c/package.json | mine.js | a
+yarn | node_modules | package.json | .yarn-integrity, a/package.json | mine/index.js | a
+yarn-2 | node_modules | package.json | .yarn-state.yml, a/package.json | @my/own/index.js | a
+pnpm | node_modules | package.json | .modules.yaml, .pnpm/a@1/node_modules/a/a.js, a -> .pnpm/a@1/node_modules/a | mine.js | .pnpm
+workspace | node_modules | package.json | .bin/tool -> ../a/tool.js, a/package.json | .bin/mine | a
+next | .next | package.json | BUILD_ID, build-manifest.json, trace, server/app/page.js, static/chunks/a.js | notes.txt | server
+next-dev | .next | package.json | build-manifest.json, server/page.js, static/a.js | server/page.tsx | server
+nuxt | .nuxt | nuxt.config.ts | nuxt.d.ts, tsconfig.json, types/imports.d.ts | page.vue | types
+turbo | .turbo | turbo.json | cache/0123456789abcdef.tar.zst, cookies/1.cookie | config.json | cache
+parcel | .parcel-cache | package.json | data.mdb, lock.mdb, snapshot-1.txt, 0123456789abcdef-AssetGraph-0 | notes.md | -
+vite | dist | vite.config.ts | index.html, a.ico, assets/index-B8sKq2xZ.js, assets/index-DiwrgTda.css | main.tsx | assets
+vite-manifest | dist | vite.config.js | .vite/manifest.json, assets/a.js | assets/a.scss | assets
+angular | dist | angular.json | app/3rdpartylicenses.txt, app/browser/index.html | app/app.component.ts | app
+astro | dist | astro.config.mjs | index.html, _astro/page.B8sKq2xZ.css | page.astro | _astro
+cargo | target | Cargo.toml | CACHEDIR.TAG, .rustc_info.json, debug/a, aarch64-apple-darwin/release/a | my-own-notes/plan.txt | debug
+maven | target | pom.xml | classes/A.class, maven-archiver/pom.properties, a-1.0.jar | notes/read me.txt | classes
+swift | .build | Package.swift | workspace-state.json, checkouts/a/.git/HEAD, debug -> arm64-apple-macosx/debug | Sources/a.swift | -
+pods | Pods | Podfile, Podfile.lock | Manifest.lock, Pods.xcodeproj/a, Target Support Files/a.xcconfig, Lib/a.m | mine.m | Lib
+gradle | build | build.gradle.kts | classes/A.class, tmp/compileJava/previous-compilation-data.bin, libs/a.jar | notes.txt | classes
+android | build | build.gradle | intermediates/a/b, outputs/logs/manifest-merger-debug-report.txt, generated/R.java | icons/a.svg | generated
+gradle-cache | .gradle | settings.gradle | 8.5/gc.properties, 8.5/fileHashes/a.lock, buildOutputCleanup/cache.properties | gradle.properties | 8.5
+python | __pycache__ | a.py, b.py | a.cpython-311.pyc, b.cpython-311.opt-1.pyc | a.py | -
+python-lost | __pycache__ | a.py | a.cpython-311.pyc | lost.cpython-311.pyc | -
+pytest | .pytest_cache | a.py | CACHEDIR.TAG, README.md, .gitignore, v/cache/nodeids | notes.md | v
+venv | .venv | requirements.txt | pyvenv.cfg, bin/activate, bin/python -> /usr/bin/python3, lib/python3.11/a.py | src/editable/setup.py | lib
+xcode | DerivedData | App.xcodeproj/project.pbxproj | App-abcdefghijklmnopqrstuvwxyzab/info.plist, ModuleCache.noindex/a | App/info.plist | -
+xcodebuild | DerivedData | Package.swift | info.plist, Build/Products/a, Logs/a, SourcePackages/checkouts/a/.git/HEAD | notes.txt | -
+)";
 
-const std::vector<Layout>& layouts() {
-    static const std::vector<Layout> all{
-        {"npm",
-         ArtifactKind::nodeModules,
-         {"package.json"},
-         {".package-lock.json", ".bin/tool -> ../a/tool.js", "a/package.json", "@b/c/package.json", "@b/c/index.ts"},
-         "mine.js",
-         "a"},
-        {"yarn",
-         ArtifactKind::nodeModules,
-         {"package.json"},
-         {".yarn-integrity", "a/package.json"},
-         "mine/index.js",
-         "a"},
-        {"yarn-2",
-         ArtifactKind::nodeModules,
-         {"package.json"},
-         {".yarn-state.yml", "a/package.json"},
-         "@my/own/index.js",
-         "a"},
-        {"pnpm",
-         ArtifactKind::nodeModules,
-         {"package.json"},
-         {".modules.yaml", ".pnpm/a@1/node_modules/a/index.js", "a -> .pnpm/a@1/node_modules/a"},
-         "mine.js",
-         ".pnpm"},
-        {"workspace",
-         ArtifactKind::nodeModules,
-         {"package.json"},
-         {".bin/tool -> ../a/tool.js", "a/package.json"},
-         ".bin/mine",
-         "a"},
-        {"next",
-         ArtifactKind::nextBuild,
-         {"package.json"},
-         {"BUILD_ID", "build-manifest.json", "trace", "server/app/page.js", "static/chunks/a.js", "cache/"},
-         "notes.txt",
-         "server"},
-        {"next-dev",
-         ArtifactKind::nextBuild,
-         {"package.json"},
-         {"build-manifest.json", "server/page.js", "static/a.js"},
-         "server/page.tsx",
-         "server"},
-        {"nuxt",
-         ArtifactKind::nuxtBuild,
-         {"nuxt.config.ts"},
-         {"nuxt.d.ts", "tsconfig.json", "types/imports.d.ts"},
-         "page.vue",
-         "types"},
-        {"turbo",
-         ArtifactKind::turboCache,
-         {"turbo.json"},
-         {"cache/0123456789abcdef.tar.zst", "cookies/1.cookie"},
-         "config.json",
-         "cache"},
-        {"parcel",
-         ArtifactKind::parcelCache,
-         {"package.json"},
-         {"data.mdb", "lock.mdb", "snapshot-1.txt", "0123456789abcdef-AssetGraph-0"},
-         "notes.md",
-         ""},
-        {"vite",
-         ArtifactKind::dist,
-         {"vite.config.ts"},
-         {"index.html", "favicon.ico", "assets/index-B8sKq2xZ.js", "assets/index-DiwrgTda.css"},
-         "main.tsx",
-         "assets"},
-        {"vite-manifest",
-         ArtifactKind::dist,
-         {"vite.config.js"},
-         {".vite/manifest.json", "assets/a.js"},
-         "assets/a.scss",
-         "assets"},
-        {"angular",
-         ArtifactKind::dist,
-         {"angular.json"},
-         {"app/3rdpartylicenses.txt", "app/browser/index.html"},
-         "app/app.component.ts",
-         "app"},
-        {"astro",
-         ArtifactKind::dist,
-         {"astro.config.mjs"},
-         {"index.html", "_astro/page.B8sKq2xZ.css"},
-         "page.astro",
-         "_astro"},
-        {"cargo",
-         ArtifactKind::target,
-         {"Cargo.toml"},
-         {"CACHEDIR.TAG", ".rustc_info.json", "debug/.fingerprint/a/lib", "aarch64-apple-darwin/release/a"},
-         "my-own-notes/plan.txt",
-         "debug"},
-        {"maven",
-         ArtifactKind::target,
-         {"pom.xml"},
-         {"classes/A.class", "maven-archiver/pom.properties", "a-1.0.jar"},
-         "notes/read me.txt",
-         "classes"},
-        {"swift",
-         ArtifactKind::swiftBuild,
-         {"Package.swift"},
-         {"workspace-state.json", "checkouts/dependency/.git/HEAD", "debug -> arm64-apple-macosx/debug",
-          "arm64-apple-macosx/debug/a.build/a.o"},
-         "Sources/a.swift",
-         ""},
-        {"pods",
-         ArtifactKind::pods,
-         {"Podfile", "Podfile.lock"},
-         {"Manifest.lock", "Pods.xcodeproj/project.pbxproj", "Target Support Files/a.xcconfig", "Lib/a.m"},
-         "mine.m",
-         "Lib"},
-        {"gradle",
-         ArtifactKind::gradleBuild,
-         {"build.gradle.kts"},
-         {"classes/java/main/A.class", "tmp/compileJava/previous-compilation-data.bin", "libs/a.jar"},
-         "notes.txt",
-         "classes"},
-        {"android",
-         ArtifactKind::gradleBuild,
-         {"build.gradle"},
-         {"intermediates/a/b", "outputs/logs/manifest-merger-debug-report.txt", "generated/R.java"},
-         "icons/a.svg",
-         "generated"},
-        {"gradle-cache",
-         ArtifactKind::gradleCache,
-         {"settings.gradle"},
-         {"8.5/gc.properties", "8.5/fileHashes/fileHashes.lock", "buildOutputCleanup/cache.properties"},
-         "gradle.properties",
-         "8.5"},
-        {"python",
-         ArtifactKind::pycache,
-         {"a.py", "b.py"},
-         {"a.cpython-311.pyc", "b.cpython-311.opt-1.pyc"},
-         "a.py",
-         ""},
-        {"python-lost", ArtifactKind::pycache, {"a.py"}, {"a.cpython-311.pyc"}, "lost.cpython-311.pyc", ""},
-        {"pytest",
-         ArtifactKind::pytestCache,
-         {"a.py"},
-         {"CACHEDIR.TAG", "README.md", ".gitignore", "v/cache/nodeids"},
-         "notes.md",
-         "v"},
-        {"venv",
-         ArtifactKind::venv,
-         {"requirements.txt"},
-         {"pyvenv.cfg", "bin/activate", "bin/python -> /usr/bin/python3", "lib/python3.11/site-packages/a.py"},
-         "src/editable/setup.py",
-         "lib"},
-        {"xcode",
-         ArtifactKind::xcodeDerivedData,
-         {"App.xcodeproj/project.pbxproj"},
-         {"App-abcdefghijklmnopqrstuvwxyzab/info.plist", "ModuleCache.noindex/a"},
-         "App/info.plist",
-         ""},
-        {"xcodebuild",
-         ArtifactKind::xcodeDerivedData,
-         {"Package.swift"},
-         {"info.plist", "Build/Products/a", "Logs/Build/a", "SourcePackages/checkouts/a/.git/HEAD"},
-         "notes.txt",
-         ""},
-    };
-    return all;
+std::vector<std::string> split(std::string_view text, std::string_view at) {
+    std::vector<std::string> parts;
+    while (!text.empty()) {
+        const auto end = std::min(text.find(at), text.size());
+        parts.emplace_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + at.size(), text.size()));
+    }
+    return parts;
 }
 
 TEST_F(ProjectScanTest, plansWhatAToolMadeAndLeavesEveryNearMiss) {
     Verdicts expected;
-    for (const auto& layout : layouts()) {
-        const std::string folder(namesOf(layout.kind).folderName);
-        const auto plant = [&](const std::string& project, const char* verdict) {
-            const std::string path = "code/" + std::string(layout.name) + "/" + project;
-            makeAll(path, layout.beside);
-            makeAll(path + "/" + folder, layout.content);
-            if (verdict != nullptr) expected[path + "/" + folder] = verdict;
+    std::set<ArtifactKind> covered;
+    for (const auto& line : split(layouts.substr(1), "\n")) {
+        const auto row = split(line, " | ");
+        const std::string& folder = row.at(1);
+        const auto beside = split(row.at(2), ", ");
+        covered.insert(kindOfFolder(folder).value());
+        const auto plant = [&](const std::string& project, const std::vector<std::string>& content,
+                               const char* verdict) {
+            const std::string path = "code/" + row.at(0) + "/" + project + "/";
+            makeAll(path, beside);
+            makeAll(path + folder, content);
+            if (verdict != nullptr) expected[path + folder] = verdict;
             return path;
         };
-        plant("made", planned);
-        const auto unmarked = plant("unmarked", unrecognised);
-        for (const auto& marker : layout.beside)
-            std::filesystem::remove_all(home / (unmarked + "/" + marker.substr(0, marker.find('/'))));
-        plant("in a package.app", nullptr);
-        const std::string person = plant("a person's", unrecognised) + "/" + folder + "/" + layout.ofPerson;
-        make(person);
-        if (*layout.inner != 0)
-            make(plant("with a repository", unrecognised) + "/" + folder + "/" + layout.inner + "/x/.git/HEAD");
-        const std::string byHand = "code/" + std::string(layout.name) + "/";
-        makeAll(byHand + "by hand", layout.beside);
-        makeAll(byHand + "by hand/" + folder, {"notes.txt", "drafts/one.txt"});
-        expected[byHand + "by hand/" + folder] = unrecognised;
-        makeAll(byHand + "linked", layout.beside);
-        make(byHand + "linked/" + folder + " -> " + (home / (byHand + "made/" + folder)).native());
-        expected[byHand + "linked/" + folder] = "that is a link";
+        const auto content = split(row.at(3), ", ");
+        const auto made = plant("made", content, planned);
+        plant("in a package.app", content, nullptr);
+        plant("by hand", {"notes.txt", "drafts/one.txt"}, unrecognised);
+        const auto unmarked = plant("unmarked", content, unrecognised);
+        for (const auto& marker : beside)
+            std::filesystem::remove_all(home / (unmarked + marker.substr(0, marker.find('/'))));
+        make(plant("a person's", content, unrecognised) + folder + "/" + row.at(4));
+        if (row.at(5) != "-")
+            make(plant("with a repository", content, unrecognised) + folder + "/" + row.at(5) + "/x/.git/HEAD");
+        const auto linked = plant("linked", {}, "that is a link");
+        make(linked + folder + " -> " + (home / (made + folder)).native());
     }
 
-    const auto said = verdictsOf(rule());
-
-    EXPECT_THAT(said, testing::ContainerEq(expected));
-    std::set<ArtifactKind> covered;
-    for (const auto& layout : layouts())
-        covered.insert(layout.kind);
+    EXPECT_THAT(verdictsOf(rule()), testing::ContainerEq(expected));
     EXPECT_EQ(covered, allKinds());
 }
 

@@ -50,12 +50,10 @@ constexpr auto sampleFiles = std::to_array<SampleFile>({
     // An old project, a fresh one, and a folder that a person named like a build folder.
     {"Code/shop/package.json", 1},
     {"Code/shop/src/main.js", 12},
-    {"Code/shop/node_modules/.package-lock.json", 4},
     {"Code/shop/node_modules/left-pad/package.json", 1},
     {"Code/shop/node_modules/left-pad/index.js", 1'300},
     {"Code/atlas/package.json", 1},
     {"Code/atlas/src/map.js", 12},
-    {"Code/atlas/node_modules/.package-lock.json", 4},
     {"Code/atlas/node_modules/left-pad/package.json", 1},
     {"Code/archery/Cargo.toml", 1},
     {"Code/archery/target/scores of the season.csv", 90},
@@ -108,6 +106,9 @@ bool fill(const SampleHome& sample, Date present) {
     fs::create_hard_link(downloads / "lecture.mov", downloads / "lecture (copy).mov", failure);
     if (!failure) fs::create_directory_symlink(sample.home() / "Pictures", downloads / "my pictures", failure);
     setModified(downloads / "still downloading.part", present - std::chrono::minutes(2));
+    for (const char* project : {"shop", "atlas"})
+        std::ofstream(sample.home() / "Code" / project / "node_modules/.package-lock.json")
+            << R"({"packages": {"node_modules/left-pad": {"version": "1.3.0"}}})";
     setModified(sample.home() / "Code/atlas/src/map.js", present - std::chrono::days(2));
     return !failure;
 }

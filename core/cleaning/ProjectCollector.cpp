@@ -90,7 +90,9 @@ void ProjectCollector::measure(const OpenedRoot& root, std::size_t rootIndex,
     const bool wasMeasured = measured.trouble == MeasuredItem::Trouble::none;
     if (wasMeasured && measured.identity != candidate.identity)
         measured.trouble = MeasuredItem::Trouble::changedMeanwhile;
-    const bool isOrdinary = measured.trouble == MeasuredItem::Trouble::none && !measured.facts.containsExcluded;
+    // Reading a list that is only in the cloud would download it, and such a folder stays anyway.
+    const bool isOrdinary = measured.trouble == MeasuredItem::Trouble::none && !measured.facts.containsExcluded &&
+                            !measured.facts.containsDataless;
     if (isOrdinary && !ArtifactRecognition(*planner.source, volume, [&] {
                            return budget.isSpent();
                        }).canBeMadeAgain(candidate.artifact.native(), candidate.kind))

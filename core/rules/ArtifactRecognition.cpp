@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -19,6 +20,31 @@ using Form = ArtifactSignature::Form;
 
 /// No signature needs more names, and their memory has an end.
 constexpr std::size_t mostNames = 20'000;
+
+// Lists of packages are a few million bytes at most; of a longer one only this is read, and the rest is in no list.
+constexpr std::size_t longestList = 64U << 20U;
+
+/// So many bytes of a file, or what could be read of them. Follows no link.
+std::string beginningOf(const std::string& file, std::size_t most) {
+    const OwnedDescriptor opened(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    std::string text;
+    std::array<char, 65'536> piece{};
+    while (opened.isOpen() && text.size() < most) {
+        const auto got = ::read(opened.get(), piece.data(), std::min(piece.size(), most - text.size()));
+        if (got <= 0) break;
+        text.append(piece.data(), static_cast<std::size_t>(got));
+    }
+    return text;
+}
+
+std::set<std::string> namesAfter(std::string_view before, char after, std::string_view text) {
+    std::set<std::string> names;
+    for (auto at = text.find(before); at != std::string_view::npos; at = text.find(before, at)) {
+        at += before.size();
+        names.emplace(text.substr(at, std::min(text.find(after, at), text.size()) - at));
+    }
+    return names;
+}
 
 bool leavesNoTrace(std::string_view name) {
     return name == ".DS_Store";  // put anywhere by looking at a folder
@@ -86,22 +112,47 @@ std::optional<FileIdentity> ArtifactRecognition::recognise(const std::string& fo
 }
 
 bool ArtifactRecognition::canBeMadeAgain(const std::string& folder, ArtifactKind kind) {
-    if (kind == ArtifactKind::nodeModules) return holdsPackages(folder);
-    if (kind != ArtifactKind::pycache) return true;
+    if (kind == ArtifactKind::pycache) return holdsCompiledSources(folder);
+    if (kind == ArtifactKind::pods) return holdsPods(folder);
+    if (kind != ArtifactKind::nodeModules) return true;
+    const std::string list = folder + "/.package-lock.json";
+    std::optional<std::set<std::string>> installed;
+    if (isFile(list)) installed = namesAfter("\"node_modules/", '"', beginningOf(list, longestList));
+    return holdsPackages(folder, {}, installed);
+}
+
+/// Folders with a dot are the package manager's own; those with an "@" hold packages in turn.
+bool ArtifactRecognition::holdsPackages(const std::string& folder, const std::string& scope,
+                                        const std::optional<std::set<std::string>>& installed) {
+    const auto content = contentOf(folder);
+    return content && std::ranges::all_of(content->folders, [&](const std::string& name) {
+               const std::string path = folder + "/" + name;
+               if (name.starts_with('.')) return true;
+               if (name.starts_with('@') && scope.empty()) return holdsPackages(path, name + "/", installed);
+               return isFile(path + "/package.json") && (!installed || installed->contains(scope + name));
+           });
+}
+
+bool ArtifactRecognition::holdsPods(const std::string& folder) {
+    constexpr std::array<std::string_view, 4> own{"Headers", "Local Podspecs", "Pods.xcodeproj",
+                                                  "Target Support Files"};
+    const auto content = contentOf(folder);
+    // "- Name (1.0)", "- Name/Part (1.0)", or either in quotes.
+    const std::string list = beginningOf(folder + "/Manifest.lock", longestList);
+    const auto isListed = [&](const std::string& name) {
+        return list.contains("- " + name + " (") || list.contains("- " + name + "/") ||
+               list.contains("- \"" + name + " (") || list.contains("- \"" + name + "/");
+    };
+    return content && std::ranges::all_of(content->folders, [&](const std::string& name) {
+               return std::ranges::find(own, name) != own.end() || isListed(name);
+           });
+}
+
+bool ArtifactRecognition::holdsCompiledSources(const std::string& folder) {
     const auto content = contentOf(folder);
     const std::string around = folder.substr(0, folder.rfind('/') + 1);
     return content && std::ranges::all_of(content->files, [&](const std::string& file) {
                return isFile(around + file.substr(0, file.find('.')) + ".py");
-           });
-}
-
-/// Folders with a dot are the package manager's own; those with an "@" hold packages in turn.
-bool ArtifactRecognition::holdsPackages(const std::string& folder) {
-    const auto content = contentOf(folder);
-    return content && std::ranges::all_of(content->folders, [&](const std::string& name) {
-               const std::string path = folder + "/" + name;
-               if (name.starts_with('@')) return holdsPackages(path);
-               return name.starts_with('.') || isFile(path + "/package.json");
            });
 }
 
@@ -167,10 +218,7 @@ bool ArtifactRecognition::shows(const Content& content, const ArtifactSignature&
 
 bool isCacheFolderTag(const std::string& file) {
     constexpr std::string_view begins = "Signature: 8a477f597d28d172789f06886806bc55";
-    const OwnedDescriptor opened(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    std::array<char, begins.size()> read{};
-    return opened.isOpen() && ::read(opened.get(), read.data(), read.size()) == static_cast<ssize_t>(read.size()) &&
-           std::string_view(read.data(), read.size()) == begins;
+    return beginningOf(file, begins.size()) == begins;
 }
 
 }  // namespace vostrel

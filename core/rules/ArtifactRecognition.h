@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "filesystem/FileIdentity.h"
@@ -25,9 +26,9 @@ public:
     [[nodiscard]] std::optional<FileIdentity> recognise(const std::string& folder, ArtifactKind kind,
                                                         const ArtifactMarkers& beside);
 
-    /// Whether everything in a recognised folder can be made again, as far as the names tell: every Node package has
-    /// its `package.json`, every compiled Python module its source beside the folder. Looks at each of them, so it is
-    /// asked only of a folder that would go.
+    /// Whether everything in a recognised folder can be made again, as far as that can be told: every Node package has
+    /// its `package.json` and is in the list that npm keeps, every pod is in CocoaPods' list, every compiled Python
+    /// module has its source beside the folder. Looks at each of them, so it is asked only of a folder that would go.
     [[nodiscard]] bool canBeMadeAgain(const std::string& folder, ArtifactKind kind);
 
 private:
@@ -35,7 +36,10 @@ private:
 
     [[nodiscard]] std::optional<Content> contentOf(const std::string& folder);
     [[nodiscard]] bool isFile(const std::string& path);
-    [[nodiscard]] bool holdsPackages(const std::string& folder);
+    [[nodiscard]] bool holdsPackages(const std::string& folder, const std::string& scope,
+                                     const std::optional<std::set<std::string>>& installed);
+    [[nodiscard]] bool holdsPods(const std::string& folder);
+    [[nodiscard]] bool holdsCompiledSources(const std::string& folder);
     [[nodiscard]] bool shows(const Content& content, const ArtifactSignature& signature);
 
     FolderSource& source;

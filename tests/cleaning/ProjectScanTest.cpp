@@ -52,6 +52,10 @@ protected:
             home.home.makeLink(entry.substr(0, arrow), entry.substr(arrow + 4));
         } else if (entry.ends_with("/CACHEDIR.TAG")) {
             home.home.makeFile(entry, "Signature: 8a477f597d28d172789f06886806bc55\n# made by a tool");
+        } else if (entry.ends_with("/.package-lock.json")) {
+            home.home.makeFile(entry, R"({"packages": {"node_modules/a": {}, "node_modules/@b/c": {"link": false}}})");
+        } else if (entry.ends_with("/Manifest.lock")) {
+            home.home.makeFile(entry, "PODS:\n  - Lib (1.0)\n");
         } else {
             home.home.makeFile(entry);
         }
@@ -77,6 +81,7 @@ protected:
 /// makes it a person's, and the folder in which a repository inside would lie ("-" where the tool keeps repositories).
 constexpr std::string_view layouts = R"(
 npm | node_modules | package.json | .package-lock.json, .bin/a -> ../a/a.js, a/package.json, @b/c/package.json | mine.js | a
+npm-unlisted | node_modules | package.json | .package-lock.json, a/package.json | mine/package.json | a
 yarn | node_modules | package.json | .yarn-integrity, a/package.json | mine/index.js | a
 yarn-2 | node_modules | package.json | .yarn-state.yml, a/package.json | @my/own/index.js | a
 pnpm | node_modules | package.json | .modules.yaml, .pnpm/a@1/node_modules/a/a.js, a -> .pnpm/a@1/node_modules/a | mine.js | .pnpm
@@ -93,7 +98,7 @@ astro | dist | astro.config.mjs | index.html, _astro/page.B8sKq2xZ.css | page.as
 cargo | target | Cargo.toml | CACHEDIR.TAG, .rustc_info.json, debug/a, aarch64-apple-darwin/release/a | my-own-notes/plan.txt | debug
 maven | target | pom.xml | classes/A.class, maven-archiver/pom.properties, a-1.0.jar | notes/read me.txt | classes
 swift | .build | Package.swift | workspace-state.json, checkouts/a/.git/HEAD, debug -> arm64-apple-macosx/debug | Sources/a.swift | -
-pods | Pods | Podfile, Podfile.lock | Manifest.lock, Pods.xcodeproj/a, Target Support Files/a.xcconfig, Lib/a.m | mine.m | Lib
+pods | Pods | Podfile, Podfile.lock | Manifest.lock, Pods.xcodeproj/a, Target Support Files/a.xcconfig, Lib/a.m | Notes/a.txt | Lib
 gradle | build | build.gradle.kts | classes/A.class, tmp/compileJava/previous-compilation-data.bin, libs/a.jar | notes.txt | classes
 android | build | build.gradle | intermediates/a/b, outputs/logs/manifest-merger-debug-report.txt, generated/R.java | icons/a.svg | generated
 gradle-cache | .gradle | settings.gradle | 8.5/gc.properties, 8.5/fileHashes/a.lock, buildOutputCleanup/cache.properties | gradle.properties | 8.5

@@ -13,6 +13,8 @@ class ProjectsTest(ProgramTest):
         self.make(f"Code/{name}/src/main.js", 2_000)
         for path in made:
             self.make(f"Code/{name}/{path}", 400_000)
+        if "node_modules/.package-lock.json" in made:
+            self.make(f"Code/{name}/node_modules/.package-lock.json", text='{"packages": {"node_modules/left-pad": {}}}')
 
     def add_scan(self, *options):
         return self.document("rule", "add", "Builds", "--projects", self.home / "Code", "--kinds", "nodeModules",

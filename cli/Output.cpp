@@ -114,16 +114,6 @@ bool Output::finish() {
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
-std::string grouped(std::int64_t count) {
-    std::string digits = std::to_string(count);
-    const std::size_t first = digits.starts_with('-') ? 1 : 0;
-    for (std::size_t at = digits.size(); at > first + 3;) {
-        at -= 3;
-        digits.insert(at, ",");
-    }
-    return digits;
-}
-
 std::string counted(std::int64_t count, std::string_view one, std::string_view many) {
     return fmt::format("{} {}", grouped(count), count == 1 ? one : many);
 }

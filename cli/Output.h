@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/GroupedDigits.h"
 #include "cli/CommandResult.h"
 #include "stores/JSONValue.h"
 
@@ -52,9 +53,6 @@ private:
     Form form;
     bool colour;
 };
-
-/// "1,234,567".
-[[nodiscard]] std::string grouped(std::int64_t count);
 
 /// "1 file", "3 files".
 [[nodiscard]] std::string counted(std::int64_t count, std::string_view one, std::string_view many);

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "base/GroupedDigits.h"
+
 namespace vostrel {
 
 namespace {
@@ -53,7 +55,7 @@ std::string_view phrase(SkipReason reason) {
 std::string countedPhrase(SkipReason reason, std::size_t count) {
     const Phrases phrases = phrasesOf(reason);
     if (count == 1) return fmt::format("1 item {}", phrases.afterOneItem);
-    return fmt::format("{} items {}", count, phrases.afterItems);
+    return fmt::format("{} items {}", grouped(static_cast<std::int64_t>(count)), phrases.afterItems);
 }
 
 }  // namespace vostrel

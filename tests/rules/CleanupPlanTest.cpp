@@ -7,7 +7,7 @@ namespace {
 
 TEST(CleanupPlanTest, countsAndGroupsItsItems) {
     EXPECT_EQ(countedPhrase(SkipReason::symlink, 1), "1 item that is a link");
-    EXPECT_EQ(countedPhrase(SkipReason::symlink, 3), "3 items that are links");
+    EXPECT_EQ(countedPhrase(SkipReason::symlink, 1203), "1,203 items that are links");
 
     CleanupPlan plan;
     plan.roots.resize(3);

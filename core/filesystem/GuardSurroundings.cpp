@@ -43,9 +43,9 @@ GuardSurroundings GuardSurroundings::of(const std::filesystem::path& home, const
     if (const auto prefix = environment.find("HOMEBREW_PREFIX"); prefix != environment.end()) {
         surroundings.packagePrefix = prefix->second;
     }
-    surroundings.userFolders = vostrel::userFolders(home);
+    surroundings.userFolders = vostrel::userFolders(home, environment);
     if (accountHome != home) {
-        for (auto& folder : vostrel::userFolders(accountHome))
+        for (auto& folder : vostrel::userFolders(accountHome, {}))
             surroundings.userFolders.push_back(std::move(folder));
     }
     surroundings.resolve = resolvedByTheSystem;

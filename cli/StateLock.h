@@ -2,6 +2,7 @@
 
 #include <expected>
 #include <filesystem>
+#include <optional>
 
 #include "cli/CommandResult.h"
 #include "platform/OwnedDescriptor.h"
@@ -14,6 +15,11 @@ class StateLock {
 public:
     /// Waits for its turn; makes the data folder where there is none. Fails when that is impossible or on Ctrl-C.
     [[nodiscard]] static std::expected<StateLock, Failure> take(const std::filesystem::path& dataFolder);
+
+    /// The same for a command that only reads, which makes nothing and does without where there is no data folder or
+    /// the user may not write to it: files are replaced as a whole, so that what is read is whole.
+    [[nodiscard]] static std::expected<std::optional<StateLock>, Failure> takeToRead(
+        const std::filesystem::path& dataFolder);
 
 private:
     explicit StateLock(OwnedDescriptor lockedFile) : file(std::move(lockedFile)) {}

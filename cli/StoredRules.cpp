@@ -1,6 +1,5 @@
 #include "cli/StoredRules.h"
 
-#include <system_error>
 #include <utility>
 
 #include "cli/StateLock.h"
@@ -11,26 +10,26 @@ StoredRules::StoredRules(std::filesystem::path data, Clock present, Output& mess
     : folder(std::move(data)), clock(std::move(present)), output(messages), store(folder) {}
 
 std::expected<RuleBook, Failure> StoredRules::load() const {
-    std::error_code problem;
-    if (!std::filesystem::exists(folder, problem) && !problem) return RuleBook();
-    const auto lock = StateLock::take(folder);
+    const auto lock = StateLock::takeToRead(folder);
     if (!lock) return std::unexpected(lock.error());
-    return loadLocked();
+    return loaded(*lock ? DamagedFile::movesAside : DamagedFile::stays);
 }
 
 CommandResult StoredRules::change(const std::function<CommandResult(RuleBook&)>& change) const {
     const auto lock = StateLock::take(folder);
     if (!lock) return std::unexpected(lock.error());
-    auto book = loadLocked();
+    auto book = loaded(DamagedFile::movesAside);
     if (!book) return std::unexpected(book.error());
     if (auto changed = change(*book); !changed) return changed;
+    store.removeLeftovers();
     if (const auto saved = store.save(*book); !saved)
         return failed("The rules were not saved: " + saved.error().description() + ".");
     return {};
 }
 
-std::expected<RuleBook, Failure> StoredRules::loadLocked() const {
-    auto loaded = store.load(clock());
+std::expected<RuleBook, Failure> StoredRules::loaded(DamagedFile damaged) const {
+    auto loaded = store.load(clock(), damaged);
+    if (loaded.notRead) return failed(loaded.notRead->description() + ".");
     if (!loaded.recoveredFromCorruption) return std::move(loaded.value);
     if (!loaded.movedAsideTo)
         return failed((folder / "rules.json").native() +

@@ -15,7 +15,7 @@ namespace vostrel::cli {
 /// The rule book in the data folder, which other programs may be using at the same time.
 ///
 /// A damaged file is moved aside, which is said once, and the book is empty then. One that could not even be moved is
-/// a failure, and nothing is ever saved over it.
+/// a failure, as is one that the system had no means to read, and nothing is ever saved over either.
 class StoredRules {
 public:
     StoredRules(std::filesystem::path data, Clock present, Output& messages);
@@ -27,7 +27,7 @@ public:
     [[nodiscard]] CommandResult change(const std::function<CommandResult(RuleBook&)>& change) const;
 
 private:
-    [[nodiscard]] std::expected<RuleBook, Failure> loadLocked() const;
+    [[nodiscard]] std::expected<RuleBook, Failure> loaded(DamagedFile damaged) const;
 
     std::filesystem::path folder;
     Clock clock;

@@ -15,7 +15,8 @@ public:
     explicit RuleStore(std::filesystem::path directory);
 
     [[nodiscard]] std::filesystem::path fileURL() const { return store.fileURL(); }
-    [[nodiscard]] FileLoadResult<RuleBook> load(Date now) const;
+    [[nodiscard]] FileLoadResult<RuleBook> load(Date now, DamagedFile damaged = DamagedFile::movesAside) const;
+    void removeLeftovers() const { store.removeLeftovers(); }
     [[nodiscard]] std::expected<void, StoreError> save(const RuleBook& book) const;
 
 private:

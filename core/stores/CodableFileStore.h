@@ -24,7 +24,13 @@ struct FileLoadResult {
     /// Where the damaged file now lies. A damaged file without such a place is still where it was, and the next save
     /// would replace it.
     std::optional<std::filesystem::path> movedAsideTo;
+    /// The system had no descriptor or memory left to read with. Nothing is known of the file, and it was not touched:
+    /// the default stands in for it and must not be saved.
+    std::optional<SystemError> notRead = std::nullopt;
 };
+
+/// What a load does with a file that cannot be used.
+enum class DamagedFile { movesAside, stays };
 
 /// Keeps one value in one JSON file.
 ///
@@ -46,15 +52,20 @@ public:
     [[nodiscard]] const std::filesystem::path& directory() const { return file.directory; }
 
     /// `now` only dates the name of a damaged file.
-    [[nodiscard]] FileLoadResult<Value> load(Date now) const {
+    [[nodiscard]] FileLoadResult<Value> load(Date now, DamagedFile damaged = DamagedFile::movesAside) const {
         const auto content = file.read();
+        if (!content && isForWantOfMeans(content.error().code))
+            return {makeDefault(), false, std::nullopt, content.error()};
         if (!content && content.error().code == ENOENT) return {makeDefault(), false, std::nullopt};
         if (content) {
             auto decoded = JSONCoding::decoder().decode<Value>(*content);
             if (decoded) return {std::move(*decoded), false, std::nullopt};
         }
-        return {makeDefault(), true, file.moveAside(now)};
+        return {makeDefault(), true, damaged == DamagedFile::movesAside ? file.moveAside(now) : std::nullopt};
     }
+
+    /// Removes what saves of killed programs left beside the file. Only while no other program can be saving.
+    void removeLeftovers() const { file.removeLeftovers(); }
 
     [[nodiscard]] std::expected<void, StoreError> save(const Value& value) const {
         if (auto made = file.makeDirectory(); !made) return made;
@@ -67,6 +78,8 @@ public:
     [[nodiscard]] static JSONEncoder makeEncoder() { return JSONCoding::encoder(JSONLayout::pretty); }
 
 private:
+    [[nodiscard]] static bool isForWantOfMeans(int code) { return code == EMFILE || code == ENFILE || code == ENOMEM; }
+
     StoredFile file;
     JSONLayout layout;
     std::function<Value()> makeDefault;

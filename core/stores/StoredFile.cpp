@@ -9,11 +9,13 @@
 #include <cstdio>
 #include <span>
 #include <tuple>
+#include <vector>
 
 #include "base/Uuid.h"
 #include "platform/FileRename.h"
 #include "platform/FileSync.h"
 #include "platform/OwnedDescriptor.h"
+#include "platform/UserAccount.h"
 #include "stores/DateText.h"
 
 namespace vostrel {
@@ -82,6 +84,21 @@ private:
     OwnedDescriptor opened;
 };
 
+std::string temporaryName(const std::string& name, Uuid uuid) {
+    return fmt::format(".{}.{}.tmp", name, uuid.text());
+}
+
+bool isTemporaryNameOf(const std::string& name, const std::string& entry) {
+    const std::size_t before = name.size() + 2;
+    const auto uuid = entry.size() > before ? Uuid::parse(entry.substr(before, Uuid().text().size())) : std::nullopt;
+    return uuid && entry == temporaryName(name, *uuid);
+}
+
+bool isOwnFile(const fs::path& path) {
+    struct stat facts{};
+    return ::lstat(path.c_str(), &facts) == 0 && S_ISREG(facts.st_mode) && facts.st_uid == effectiveUserID();
+}
+
 /// The permission bits of the regular file at that path.
 std::optional<mode_t> modeOfFile(const fs::path& path) {
     struct stat facts{};
@@ -124,6 +141,17 @@ std::optional<fs::path> StoredFile::moveAside(Date now) const {
     return std::nullopt;
 }
 
+void StoredFile::removeLeftovers() const {
+    std::error_code failure;
+    std::vector<fs::path> leftovers;
+    for (fs::directory_iterator entry(directory, failure), end; !failure && entry != end; entry.increment(failure)) {
+        if (isTemporaryNameOf(name, entry->path().filename().native()) && isOwnFile(entry->path()))
+            leftovers.push_back(entry->path());
+    }
+    for (const auto& leftover : leftovers)
+        ::unlink(leftover.c_str());
+}
+
 std::expected<void, StoreError> StoredFile::makeDirectory() const {
     std::error_code error;
     fs::create_directories(directory, error);
@@ -135,8 +163,7 @@ std::expected<void, StoreError> StoredFile::replace(std::string_view bytes) cons
     using enum StoreError::Failure;
     constexpr mode_t anyoneMay = 0666;
     const auto exactMode = mode ? std::optional<mode_t>(*mode) : modeOfFile(path());
-    TemporaryFile temporary(directory / fmt::format(".{}.{}.tmp", name, Uuid::random().text()),
-                            exactMode.value_or(anyoneMay));
+    TemporaryFile temporary(directory / temporaryName(name, Uuid::random()), exactMode.value_or(anyoneMay));
     if (!temporary.isOpen()) return failure(fileWriteNoPermission, errno, "create a file in", directory);
     // The umask has no say about bits that are wanted exactly.
     if (exactMode && ::fchmod(temporary.descriptor(), *exactMode) != 0)

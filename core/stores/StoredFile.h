@@ -44,6 +44,10 @@ struct StoredFile {
     /// then lies; nothing when it could not be moved.
     [[nodiscard]] std::optional<std::filesystem::path> moveAside(Date now) const;
 
+    /// Removes the temporary files that programs which were killed left behind: the user's own regular files of exactly
+    /// such names. Only while no other program can be saving.
+    void removeLeftovers() const;
+
     [[nodiscard]] std::expected<void, StoreError> makeDirectory() const;
     [[nodiscard]] std::expected<void, StoreError> replace(std::string_view bytes) const;
 };

@@ -1,12 +1,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <limits>
 #include <map>
+#include <span>
 
 #include "stores/CodableFileStore.h"
 #include "support/TemporaryFolder.h"
@@ -89,6 +92,22 @@ TEST_F(CodableFileStoreTest, movesADamagedFileAsideWhateverTheDamage) {
         EXPECT_EQ(folder.read(asideName), oldText.substr(0, length));
         fs::remove(folder / asideName);
     }
+}
+
+TEST_F(CodableFileStoreTest, touchesNothingWhenTheSystemHasNoMeansToReadOrTheOwnerWantsItLeft) {
+    folder.makeFile("note.json", oldText);
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const auto loaded = store().load(march3);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(loaded.notRead, (SystemError{EMFILE, "read", folder / "note.json"}));
+    EXPECT_FALSE(loaded.recoveredFromCorruption || loaded.movedAsideTo);
+
+    folder.makeFile("note.json", "damaged");
+    expectDefault(store().load(march3, DamagedFile::stays), std::nullopt);
+    EXPECT_EQ(folder.read("note.json"), "damaged");
 }
 
 TEST_F(CodableFileStoreTest, leavesADamagedFileThatCannotBeMoved) {
@@ -175,6 +194,15 @@ TEST_F(CodableFileStoreTest, leavesTheOldFileWhenTheProgramIsKilledWhileItWrites
         EXPECT_EQ(folder.read("note.json"), oldText);
     }
     EXPECT_EQ(folder.names().size(), 3U) << "each leaves its temporary file";
+    const std::string uuid = "0F1E2D3C-4B5A-6978-8796-A5B4C3D2E1F0";
+    const auto kept = std::to_array<std::string>(
+        {".note.json." + uuid + ".tmp", ".note.json." + uuid + ".tmp2", ".note.json.0f1e2d3c" + uuid.substr(8) + ".tmp",
+         ".note.json..tmp", ".note.jsonX" + uuid + ".tmp", ".other.json." + uuid + ".tmp", "note.json"});
+    fs::create_symlink(folder / "note.json", folder / kept[0]);
+    for (const auto& name : std::span(kept).subspan(1, 5))
+        folder.makeFile(name);
+    store().removeLeftovers();
+    EXPECT_THAT(folder.names(), testing::UnorderedElementsAreArray(kept));
     ASSERT_TRUE(store().save(newNote));
     EXPECT_EQ(store().load(march3).value, newNote);
 }

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -29,7 +30,7 @@ std::string quoted(const Rule& rule) {
 CommandResult listRules(Session& session) {
     const auto book = session.rules.load();
     if (!book) return std::unexpected(book.error());
-    showRuleBook(session.output, *book, session.catalog);
+    showRuleBook(session.output, *book, session.planner());
     return session.output.document(
         JSONObject{{"rules", encodeJSON(book->rules)}, {"unreadable", JSONValue(book->unreadableRules)}});
 }
@@ -39,8 +40,15 @@ CommandResult show(Session& session, const std::string& wanted) {
     if (!book) return std::unexpected(book.error());
     const auto found = findRule(*book, wanted);
     if (!found) return std::unexpected(found.error());
-    showRule(session.output, **found, session.catalog);
+    showRule(session.output, **found, session.planner());
     return session.output.document(encodeJSON(**found));
+}
+
+/// What keeps the rule's folders from being cleaned now. A preset's may come when somebody uses what it is about.
+std::optional<std::string> folderProblem(const Session& session, const Rule& rule) {
+    const auto folders = session.planner().currentRoots(rule);
+    if (folders || folders.error().kind == PlanError::Kind::presetNotFound) return std::nullopt;
+    return folders.error().sentence;
 }
 
 CommandResult check(Session& session, const std::string& wanted) {
@@ -49,6 +57,9 @@ CommandResult check(Session& session, const std::string& wanted) {
     const auto found = findRule(*book, wanted);
     if (!found) return std::unexpected(found.error());
     auto problems = (*found)->validationProblems(session.guards, session.resolver, session.catalog);
+    if (auto problem = folderProblem(session, **found);
+        problem && std::ranges::find(problems, *problem) == problems.end())
+        problems.push_back(std::move(*problem));
     if (auto written = session.output.document(JSONObject{{"problems", encodeJSON(problems)}}); !written)
         return written;
     if (!problems.empty())
@@ -74,7 +85,7 @@ CommandResult add(Session& session, const RuleOptions& options) {
         return {};
     });
     if (!saved) return saved;
-    showRule(session.output, *rule, session.catalog);
+    showRule(session.output, *rule, session.planner());
     session.output.line();
     suggestTriggers(session, *rule);
     session.output.line(

@@ -15,9 +15,9 @@ namespace {
 using Style = Output::Style;
 using Alignment = Output::Alignment;
 
-Output::Text stateText(const Rule& rule, const PresetCatalog& catalog) {
+Output::Text stateText(const Rule& rule, const CleanupPlanner& planner) {
     if (!rule.enabled) return {"disabled", Style::dim};
-    const ApprovalState approval = approvalState(rule, catalog);
+    const ApprovalState approval = approvalState(rule, planner);
     return {approvalText(approval), approval == ApprovalState::current ? Style::good : Style::plain};
 }
 
@@ -45,15 +45,15 @@ void showUnreadableRules(Output& output, const RuleBook& book) {
 
 }  // namespace
 
-void showRule(Output& output, const Rule& rule, const PresetCatalog& catalog) {
+void showRule(Output& output, const Rule& rule, const CleanupPlanner& planner) {
     output.line({{rule.name, Style::bold}});
     std::vector<Output::Row> rows = {
         {{"id", Style::dim}, rule.id.text()},
         {{"state", Style::dim},
-         fmt::format("{}, {}", rule.enabled ? "enabled" : "disabled", approvalText(approvalState(rule, catalog)))},
+         fmt::format("{}, {}", rule.enabled ? "enabled" : "disabled", approvalText(approvalState(rule, planner)))},
         {{"cleans", Style::dim}, targetText(rule.target)},
     };
-    if (const Preset* preset = catalog.presetOf(rule.target)) {
+    if (const Preset* preset = planner.catalog.presetOf(rule.target)) {
         rows.push_back({"", preset->summary});
         const char* heldTo = "holds it to";
         for (const std::string& text : limitTexts(*preset))
@@ -70,7 +70,7 @@ void showRule(Output& output, const Rule& rule, const PresetCatalog& catalog) {
     output.table(rows, {Alignment::left, Alignment::left});
 }
 
-void showRuleBook(Output& output, const RuleBook& book, const PresetCatalog& catalog) {
+void showRuleBook(Output& output, const RuleBook& book, const CleanupPlanner& planner) {
     std::vector<Output::Row> rows = {
         {"", {"rule", Style::dim}, {"cleans", Style::dim}, {"runs", Style::dim}, {"state", Style::dim}}};
     for (const Rule& rule : book.rules) {
@@ -78,7 +78,7 @@ void showRuleBook(Output& output, const RuleBook& book, const PresetCatalog& cat
                         {rule.name, Style::bold},
                         targetText(rule.target),
                         triggersText(rule.triggers),
-                        stateText(rule, catalog)});
+                        stateText(rule, planner)});
     }
     if (book.rules.empty()) {
         output.line({"There are no rules. \"vostrel rule add --help\" tells how one is made."});

@@ -139,10 +139,11 @@ std::string triggersText(const std::vector<RuleTrigger>& triggers) {
     return joined(texts);
 }
 
-ApprovalState approvalState(const Rule& rule, const PresetCatalog& catalog) {
+ApprovalState approvalState(const Rule& rule, const CleanupPlanner& planner) {
     if (!rule.approval) return ApprovalState::none;
-    const bool same = *rule.approval == rule.approvalKey(rule.approval->roots, catalog);
-    return same ? ApprovalState::current : ApprovalState::outdated;
+    const bool isSame = *rule.approval == rule.approvalKey(rule.approval->roots, planner.catalog);
+    if (!isSame) return ApprovalState::ruleChanged;
+    return planner.approvalIsStale(rule) ? ApprovalState::foldersChanged : ApprovalState::current;
 }
 
 std::string approvalText(ApprovalState state) {
@@ -151,8 +152,10 @@ std::string approvalText(ApprovalState state) {
             return "not approved";
         case ApprovalState::current:
             return "approved";
-        case ApprovalState::outdated:
+        case ApprovalState::ruleChanged:
             return "changed since it was approved";
+        case ApprovalState::foldersChanged:
+            return "its folders changed since it was approved";
     }
     return {};
 }

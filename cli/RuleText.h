@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/Date.h"
+#include "cleaning/CleanupPlanner.h"
 #include "rules/Preset.h"
 #include "rules/Rule.h"
 
@@ -26,10 +27,10 @@ namespace vostrel::cli {
 /// "every day at 09:05, when an app quits (org.gimp.GIMP)"; "only by hand" where there is none.
 [[nodiscard]] std::string triggersText(const std::vector<RuleTrigger>& triggers);
 
-enum class ApprovalState { none, current, outdated };
+enum class ApprovalState { none, current, ruleChanged, foldersChanged };
 
-/// Whether the rule is as its stored approval has it. Whether its folders still are, only a new preview tells.
-[[nodiscard]] ApprovalState approvalState(const Rule& rule, const PresetCatalog& catalog);
+/// Whether the rule is as its stored approval has it, and its folders are now.
+[[nodiscard]] ApprovalState approvalState(const Rule& rule, const CleanupPlanner& planner);
 [[nodiscard]] std::string approvalText(ApprovalState state);
 
 /// In local time: "2025-03-03", "2025-03-03 09:05".

@@ -10,6 +10,10 @@ Session::Session(Output& messages, Clock present, Places where)
       resolver(places.home, defaults, guards),
       rules(places.data, clock, output) {}
 
+CleanupPlanner Session::planner() const {
+    return {.guards = guards, .resolver = resolver, .catalog = catalog, .clock = clock};
+}
+
 std::string Session::approvingCommand(const Rule& rule) const {
     constexpr std::size_t enoughOfAnID = 8;
     return "vostrel preview " + rule.id.text().substr(0, enoughOfAnID) + " --approve" + places.options;

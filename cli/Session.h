@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "cleaning/CleanupPlanner.h"
 #include "cli/CommandLine.h"
 #include "cli/Output.h"
 #include "cli/Places.h"
@@ -31,6 +32,8 @@ public:
     const PathGuards guards;
     const TargetResolver resolver;
     const StoredRules rules;
+
+    [[nodiscard]] CleanupPlanner planner() const;
 
     /// The command line that previews the rule in the same places and approves what it would do.
     [[nodiscard]] std::string approvingCommand(const Rule& rule) const;

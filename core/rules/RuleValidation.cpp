@@ -117,7 +117,6 @@ void checkPauseList(const Strings& list, Problems& problems) {
 /// A setting that cannot be read now is no fault of the rule; what the guards refuse will be refused every time.
 void checkRoots(const Rule& rule, const PathGuards& guards, const TargetResolver& resolver,
                 const PresetCatalog& catalog, Problems& problems) {
-    const bool isOfPreset = std::holds_alternative<PresetTarget>(rule.target);
     const auto roots = resolver.resolve(rule.target, catalog);
     if (!roots) {
         problems.addIf(roots.error().kind == ResolveError::Kind::protectedRoot, roots.error().sentence);
@@ -125,7 +124,6 @@ void checkRoots(const Rule& rule, const PathGuards& guards, const TargetResolver
     }
     for (const ResolvedRoot& root : *roots) {
         if (auto refusal = guards.refusalForRoot(root.url, root.exception)) problems.add(std::move(*refusal));
-        if (!isOfPreset) continue;
         auto problem = rootActionProblem(rule.action, root, guards.displayPath(root.url));
         if (problem) problems.add(std::move(*problem));
     }

@@ -89,7 +89,13 @@ void choose(Rule& rule, std::vector<PinnedFile> files) {
 const PinnedFile fileA{"a", "VOLUME", 1};
 
 TEST_F(RuleValidationTest, checksTargets) {
+    const auto linked = disk.makeLink("way", disk.makeFolder("elsewhere")) / "in";
     check({
+        {plain, [&](Rule& r) { r.target = FolderTarget{linked}; }, {}},
+        {plain,
+         [&](Rule& r) { r.target = FolderTarget{linked}, r.action = CleanupAction::deletePermanently; },
+         {"~/way/in leads to another folder through a link, so this rule can only move items to the Trash, not delete "
+          "them."}},
         {plain, [&](Rule& r) { r.target = FolderTarget{disk / "a\xFF"}; }, {}},
         {plain, [](Rule& r) { r.name = " \n\u3000\u00A0"; }, {noName}},
         {plain, [](Rule& r) { r.name = "a\xFF"; }, {unstorable}},

@@ -1,5 +1,6 @@
 #include "cli/Places.h"
 
+#include <fmt/format.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/PrintableText.h"
 #include "platform/ApplicationData.h"
 #include "platform/UserAccount.h"
 
@@ -38,12 +40,27 @@ std::expected<fs::path, Failure> ownHome() {
     return home;
 }
 
+/// $'a\012b': what could not be shown as it is, byte by byte.
+std::string escapedForShell(const std::string& word) {
+    std::string quoted = "$'";
+    for (const char letter : word) {
+        if (letter == '\'' || letter == '\\')
+            quoted += fmt::format("\\{}", letter);
+        else if (letter >= ' ' && letter <= '~')
+            quoted += letter;
+        else
+            quoted += fmt::format("\\{:03o}", static_cast<unsigned char>(letter));
+    }
+    return quoted + "'";
+}
+
 /// In quotes where a shell would read something else.
 std::string forShell(const std::string& word) {
     const auto isPlain = [](unsigned char letter) {
         return std::isalnum(letter) != 0 || std::string_view("/._-+,:@%").contains(static_cast<char>(letter));
     };
     if (!word.empty() && std::ranges::all_of(word, isPlain)) return word;
+    if (printable(word) != word) return escapedForShell(word);
     std::string quoted = "'";
     for (const char letter : word)
         quoted += letter == '\'' ? std::string("'\\''") : std::string(1, letter);

@@ -37,11 +37,8 @@ std::string described(const PlanProgress& progress, const PathGuards& guards, Du
 
 std::expected<CleanupPlan, PlanError> planned(Session& session, const GlobalOptions& options, const Rule& rule) {
     const auto progress = std::make_shared<ProgressBox<PlanProgress>>();
-    const CleanupPlanner planner{.guards = session.guards,
-                                 .resolver = session.resolver,
-                                 .catalog = session.catalog,
-                                 .clock = session.clock,
-                                 .progress = progress};
+    CleanupPlanner planner = session.planner();
+    planner.progress = progress;
     const auto begun = std::chrono::steady_clock::now();
     const ProgressLine line(options, [&, begun] {
         return described(progress->get(), session.guards, std::chrono::steady_clock::now() - begun);
@@ -50,7 +47,9 @@ std::expected<CleanupPlan, PlanError> planned(Session& session, const GlobalOpti
 }
 
 CommandResult approve(Session& session, const Rule& rule, const CleanupPlan& plan) {
+    if (!session.output.finish()) return failed("Nothing was approved, for the preview could not be shown.");
     const auto saved = session.rules.change([&](RuleBook& book) -> CommandResult {
+        if (Interrupt::requested()) return failed(Interrupt::sentence);
         if (book.approvePreview(rule, plan, session.catalog, session.clock())) return {};
         return failed(
             "The rule was changed or removed while it was previewed, or the preview is too old. Preview it again.");
@@ -76,6 +75,7 @@ CommandResult preview(Session& session, const GlobalOptions& options, const Prev
     if (!plan) return failed(plan.error().sentence);
     session.output.line({{rule.name, Style::bold}});
     showPlan(session.output, session.guards, *plan);
+    if (Interrupt::requested()) return failed(Interrupt::sentence);
 
     const bool wasApproved = rule.approval == rule.approvalKey(plan->rootIdentities(), session.catalog);
     if (wanted.approves) {

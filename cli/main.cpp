@@ -1,5 +1,10 @@
+#include <fcntl.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): SIGXFSZ is POSIX, not C++
+
+#include <array>
 #include <cstdio>
 #include <exception>
+#include <tuple>
 
 #include "base/Visit.h"
 #include "cli/CommandLine.h"
@@ -8,6 +13,16 @@
 
 namespace vostrel::cli {
 namespace {
+
+/// Takes the places of standard input, output and error where they are closed, so that no file ever gets their numbers.
+/// Each is opened the wrong way round: using it goes on failing, as if it were closed.
+void keepStandardDescriptors() {
+    constexpr std::array wrongWay = {O_WRONLY, O_RDONLY, O_RDONLY};
+    for (int descriptor = 0; const int mode : wrongWay) {
+        if (::fcntl(descriptor, F_GETFD) < 0) std::ignore = ::open("/dev/null", mode);
+        ++descriptor;
+    }
+}
 
 ExitStatus finish(Output& output, const CommandResult& result) {
     if (!result) output.failure(result.error());
@@ -25,8 +40,9 @@ ExitStatus run(const Request& request) {
 }
 
 ExitStatus answer(const Answer& answer) {
+    Output output(Output::Form::people);
     std::fputs(answer.text.c_str(), stdout);
-    return ExitStatus::done;
+    return finish(output, {});
 }
 
 ExitStatus refuse(const WrongCommandLine& line) {
@@ -39,6 +55,9 @@ ExitStatus refuse(const WrongCommandLine& line) {
 
 int main(int count, char** arguments) {
     using namespace vostrel::cli;
+    keepStandardDescriptors();
+    // A file that grows past the limit is then a failure of the write, which has a sentence.
+    ::signal(SIGXFSZ, SIG_IGN);
     try {
         return static_cast<int>(vostrel::visit(
             readCommandLine(count, arguments), [](const Request& request) { return run(request); },

@@ -68,6 +68,8 @@ class CommandLineTest(ProgramTest):
         self.succeed("--data", elsewhere, "rule", "add", "Other", "--folder", self.downloads)
         self.assertEqual([rule["name"] for rule in self.rules_file()["rules"]], ["Old"])
         self.assertTrue((elsewhere / "rules.json").exists())
+        self.assertEqual(self.refuse("--data", elsewhere / "rules.json/x", "rule", "list"),
+                         [f"Could not open {elsewhere}/rules.json/x/state.lock: Not a directory."])
         self.assertFalse((self.folder / "xdg").exists())
 
     def test_colour_is_for_terminals_that_want_it(self):
@@ -77,11 +79,20 @@ class CommandLineTest(ProgramTest):
         self.assertNotIn("\x1b", self.succeed("rule", "list").out)
 
     def test_a_result_that_cannot_be_written_is_a_failure(self):
-        with open("/dev/full", "w", encoding="utf-8") as full:
-            result = subprocess.run([PROGRAM, "--home", self.home, "rule", "list"], stdout=full,
-                                    stderr=subprocess.PIPE, check=False)
-        self.assertEqual(result.returncode, 1)
-        self.assertIn(b"could not be written", result.stderr)
+        for arguments in (["--home", self.home, "rule", "list"], ["--help"], ["--version"]):
+            for options in ({"stdout": "/dev/full"}, {"preexec_fn": lambda: os.close(1)}):
+                with self.subTest(arguments=arguments, options=options), open("/dev/full", "wb") as full:
+                    options |= {"stdout": full} if "stdout" in options else {}
+                    result = subprocess.run([PROGRAM, *arguments], stderr=subprocess.PIPE, check=False, **options)
+                    self.assertEqual((result.returncode, result.stderr), (1, b"The result could not be written.\n"))
+
+    def test_no_file_gets_the_number_of_a_closed_standard_descriptor(self):
+        self.add("Old")
+        (self.data / "rules.json").write_text("damaged")  # which is said on standard error
+        result = subprocess.run([PROGRAM, "--home", self.home, "rule", "list"], check=False,
+                                preexec_fn=lambda: os.closerange(0, 3))
+        self.assertEqual((result.returncode, (self.data / "state.lock").read_bytes()), (1, b""))
+        self.assertEqual([path.read_text() for path in self.data.glob("*.json")], ["damaged"])
 
 
 if __name__ == "__main__":

@@ -1,5 +1,9 @@
 import os
+import pty
+import signal
 import subprocess
+import termios
+import time
 import unittest
 
 from driver import PROGRAM, ProgramTest, tree_of
@@ -24,6 +28,23 @@ class DemoTest(ProgramTest):
             self.assertNotIn("NO ", finished.stdout)
             self.assertEqual(list(temporary.iterdir()), [])
             self.assertEqual(tree_of(self.home), before)
+
+    def test_a_terminal_that_goes_away_leaves_no_sample_home(self):
+        temporary = self.folder / "temporary"
+        temporary.mkdir()
+        ours, theirs = pty.openpty()
+        self.addCleanup(os.close, ours)
+        termios.tcflow(theirs, termios.TCOOFF)
+        with subprocess.Popen([PROGRAM, "demo"], stdout=theirs, stderr=theirs,
+                              env=os.environ | {"TMPDIR": str(temporary), "HOME": str(self.home)}) as program:
+            while not list(temporary.iterdir()):
+                time.sleep(0.01)
+            for _ in range(2):
+                program.send_signal(signal.SIGHUP)
+            termios.tcflow(theirs, termios.TCOON)
+            self.assertEqual(program.wait(60), 1)
+        os.close(theirs)
+        self.assertEqual(list(temporary.iterdir()), [])
 
 
 if __name__ == "__main__":

@@ -2,7 +2,7 @@ import fcntl
 import json
 import os
 import pathlib
-import shlex
+import select
 import shutil
 import signal
 import stat
@@ -66,14 +66,36 @@ class PreviewTest(ProgramTest):
         self.downloads.rename(self.home / "moved away")
         shutil.copytree(self.home / "moved away", self.downloads, symlinks=True)
         self.assertFalse(self.preview()["approved"])
+        for command in (["rule", "list"], ["rule", "show", "Old"]):
+            self.assertIn("its folders changed since it was approved", self.succeed(*command).out)
+
+    def test_only_what_was_shown_is_approved(self):
+        self.add("x" * 20_000)  # more than the pipe below takes, so that the program waits in the middle of its preview
+        ours, theirs = os.pipe()
+        fcntl.fcntl(theirs, fcntl.F_SETPIPE_SZ, 4096)
+        command = [PROGRAM, "--home", self.home, "preview", "x" * 20_000, "--approve"]
+        with open("/dev/full", "wb") as full:
+            self.assertEqual(subprocess.run(command, stdout=full, stderr=subprocess.DEVNULL, check=False).returncode, 1)
+        with subprocess.Popen(command, stdout=theirs, stderr=subprocess.PIPE) as program:
+            os.close(theirs)
+            select.select([ours], [], [])
+            program.send_signal(signal.SIGINT)
+            with open(ours, "rb") as shown:
+                self.assertNotIn(b"Approved", shown.read())
+            self.assertEqual(program.stderr.read(), b"Stopped before it finished.\n")
+        self.assertEqual(program.returncode, 1)
+        self.assertNotIn("approval", self.rules_file()["rules"][0])
 
     def test_the_command_that_it_advises_acts_in_the_same_places(self):
-        self.home = self.home.rename(self.folder / "Ann's home")
-        added = self.succeed("rule", "add", "Old", "--folder", self.home / "Downloads").out
-        for shown in (added, self.succeed("preview", "Old").out):
-            (advice,) = [line for line in shown.splitlines() if "--approve" in line]
-            self.assertEqual(shlex.split(advice)[-2:], ["--home", str(self.home)])
-        self.assertIn("Approved", self.succeed(*shlex.split(advice)[1:-2]).out)
+        for rule, name in enumerate(("Ann's home", "Ann's\nne\\w \u202ehome1", os.fsdecode(b"'\xff'\t0"))):
+            self.home = self.home.rename(self.folder / name)
+            added = self.succeed("rule", "add", f"Rule {rule}", "--folder", self.home / "Downloads").out
+            for shown in (added, self.succeed("preview", f"Rule {rule}").out):
+                (advice,) = [line for line in shown.splitlines() if "--approve" in line]
+                read = subprocess.run(["bash", "-c", f"printf '%s\\0' {advice}"], check=True, capture_output=True)
+                words = os.fsdecode(read.stdout).split("\0")[:-1]
+                self.assertEqual(words[-2:], ["--home", str(self.home)])
+            self.assertIn("Approved", self.succeed(*words[1:-2]).out)
 
     def test_only_a_rule_that_runs_by_itself_is_said_to(self):
         for options, words in (([], "has no trigger"), (["--end-of-day", "--disabled"], "disabled"),

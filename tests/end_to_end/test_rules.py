@@ -2,10 +2,10 @@ import concurrent.futures
 import datetime
 import json
 import resource
-import signal
+import subprocess
 import unittest
 
-from driver import ProgramTest
+from driver import PROGRAM, ProgramTest
 
 UNREADABLE = """[
   {"action": "shred", "createdAt": "2031-01-01T00:00:00.000Z", "enabled": true,
@@ -124,6 +124,10 @@ class RulesTest(ProgramTest):
         result = self.run_program("--json", "rule", "check", "Old")
         self.assertEqual(result.status, 1, result)
         self.assertEqual("\n".join(result.document["problems"]) + "\n", result.err)
+        self.downloads.unlink()
+        result = self.run_program("--json", "rule", "check", "Old")
+        self.assertEqual((result.status, result.document["problems"]),
+                         (1, ["The folder does not exist, or the rule has no folder. Edit the rule and choose one."]))
 
     def test_rules_that_cannot_be_read_are_shown_and_outlive_every_save(self):
         self.write_rules('{"rules": ' + UNREADABLE + ', "schedule": {"lastRun": {}}, "since": 7}')
@@ -167,14 +171,37 @@ class RulesTest(ProgramTest):
         before = (self.data / "rules.json").read_bytes()
 
         def without_space_for_files():
-            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
             resource.setrlimit(resource.RLIMIT_FSIZE, (0, 0))
 
         (sentence,) = self.refuse("rule", "add", "Second", "--folder", self.downloads,
-                                preexec_fn=without_space_for_files, restore_signals=False)
+                                preexec_fn=without_space_for_files)
         self.assertIn("The rules were not saved", sentence)
         self.assertEqual((self.data / "rules.json").read_bytes(), before)
         self.assertCountEqual([path.name for path in self.data.iterdir()], ["rules.json", "state.lock"])
+
+    def test_what_a_killed_program_left_goes_with_the_next_save(self):
+        self.data.mkdir(parents=True)
+        (self.data / ".rules.json.0F1E2D3C-4B5A-6978-8796-A5B4C3D2E1F0.tmp").touch()
+        self.add("First")
+        self.assertCountEqual([path.name for path in self.data.iterdir()], ["rules.json", "state.lock"])
+
+    @unittest.skipUnless(subprocess.run(["unshare", "-rm", "true"], check=False, capture_output=True).returncode == 0,
+                         "wants mounts of its own")
+    def test_reading_wants_nothing_written(self):
+        rule = self.add("Old")
+
+        def read_only(*arguments):
+            script = 'mount --bind "$0" "$0" && mount -o remount,ro,bind "$0" && exec "$@"'
+            command = ["unshare", "-rm", "sh", "-c", script, self.data, PROGRAM, "--home", self.home, *arguments]
+            return subprocess.run(command, check=False, capture_output=True, text=True)
+
+        listed = read_only("--json", "rule", "list")
+        self.assertEqual((listed.returncode, json.loads(listed.stdout)["rules"]), (0, [rule]), listed)
+        self.assertIn("Read-only file system", read_only("rule", "disable", "Old").stderr)
+        (self.data / "rules.json").write_text("damaged")
+        (self.data / "state.lock").unlink()
+        self.assertIn("could not be moved aside", read_only("rule", "list").stderr)
+        self.assertEqual([path.name for path in self.data.iterdir()], ["rules.json"])
 
     def test_programs_at_the_same_time_lose_no_rule(self):
         names = [f"rule {number}" for number in range(12)]

@@ -37,7 +37,7 @@ class DemoTest(ProgramTest):
         termios.tcflow(theirs, termios.TCOOFF)
         with subprocess.Popen([PROGRAM, "demo"], stdout=theirs, stderr=theirs,
                               env=os.environ | {"TMPDIR": str(temporary), "HOME": str(self.home)}) as program:
-            while not list(temporary.iterdir()):
+            while program.poll() is None and not list(temporary.iterdir()):
                 time.sleep(0.01)
             for _ in range(2):
                 program.send_signal(signal.SIGHUP)

@@ -70,10 +70,9 @@ class PreviewTest(ProgramTest):
             self.assertIn("its folders changed since it was approved", self.succeed(*command).out)
 
     def test_only_what_was_shown_is_approved(self):
-        self.add("x" * 20_000)  # more than the pipe below takes, so that the program waits in the middle of its preview
+        self.add("x" * 100_000)  # more than a pipe takes, so that the program waits in the middle of its preview
         ours, theirs = os.pipe()
-        fcntl.fcntl(theirs, fcntl.F_SETPIPE_SZ, 4096)
-        command = [PROGRAM, "--home", self.home, "preview", "x" * 20_000, "--approve"]
+        command = [PROGRAM, "--home", self.home, "preview", "x" * 100_000, "--approve"]
         with open("/dev/full", "wb") as full:
             self.assertEqual(subprocess.run(command, stdout=full, stderr=subprocess.DEVNULL, check=False).returncode, 1)
         with subprocess.Popen(command, stdout=theirs, stderr=subprocess.PIPE) as program:

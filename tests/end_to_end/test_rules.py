@@ -185,8 +185,8 @@ class RulesTest(ProgramTest):
         self.add("First")
         self.assertCountEqual([path.name for path in self.data.iterdir()], ["rules.json", "state.lock"])
 
-    @unittest.skipUnless(subprocess.run(["unshare", "-rm", "true"], check=False, capture_output=True).returncode == 0,
-                         "wants mounts of its own")
+    @unittest.skipUnless(subprocess.run(["sh", "-c", "unshare -rm true"], check=False, capture_output=True).returncode
+                         == 0, "wants mounts of its own")
     def test_reading_wants_nothing_written(self):
         rule = self.add("Old")
 

@@ -97,7 +97,7 @@ bool PartCollector::admits(const OpenedRoot& root, std::string_view name, std::u
 }
 
 bool PartCollector::recognises(const OpenedRoot& root, std::string_view name) const {
-    return preset->recognises(name) && (!root.root.screenshotFolder || isScreenshotName(name));
+    return (!preset || preset->recognises(name)) && (!root.root.screenshotFolder || isScreenshotName(name));
 }
 
 void PartCollector::showProgress(const WalkedFolder& folder, const TreeFacts& sum) {

@@ -91,7 +91,7 @@ std::filesystem::path ItemSelection::urlOf(const MeasuredItem& item) const {
 }
 
 bool ItemSelection::isOldEnough(const MeasuredItem& item, const std::filesystem::path& url, Date ageDate) const {
-    return vostrel::isOldEnough(ageDate, rule.filter.minAgeDays, now) && (!preset || preset->letsGo(item, url, now));
+    return vostrel::isOldEnough(ageDate, rule.filter.minAgeDays, now) && (preset == nullptr || preset->letsGo(item, url, now));
 }
 
 }  // namespace vostrel

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <ranges>
 #include <utility>
 
 #include "filesystem/PackageNames.h"
@@ -112,8 +113,9 @@ void ProjectAccounting::addCandidate(const WalkedFolder& folder, ArtifactKind ki
     const auto seen = recognised.extract(std::string(folder.path));
     auto project = levels.rbegin();
     if (kind == ArtifactKind::pycache) {
-        const auto python = std::find_if(levels.rbegin(), levels.rend(), std::mem_fn(&Level::isPythonProject));
-        if (python != levels.rend()) project = python;
+        const auto upwards = levels | std::views::reverse;
+        const auto python = std::ranges::find_if(upwards, &Level::isPythonProject);
+        if (python != upwards.end()) project = python;
     }
     ProjectScanner::Candidate candidate;
     candidate.artifact = folder.path;
@@ -203,9 +205,9 @@ void ProjectAccounting::leaveOut(const Level& level, ProjectNotes::Kinds kinds, 
 
 template <class Action>
 void ProjectAccounting::forEachProjectAround(std::size_t depth, Action action) {
-    for (auto level = levels.rbegin(); level != levels.rend(); ++level) {
-        if (depth - level->depth > ProjectScanner::sourceWalkDepth) return;
-        action(*level);
+    for (Level& level : levels | std::views::reverse) {
+        if (depth - level.depth > ProjectScanner::sourceWalkDepth) return;
+        action(level);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "cleaning/ItemSelection.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "filesystem/FileFacts.h"
@@ -32,9 +33,12 @@ std::optional<SkipReason> reasonToSkip(const MeasuredItem& item) {
 void ItemSelection::take(MeasuredItem item) {
     auto url = urlOf(item);
     auto reason = reasonToSkip(item);
-    if (root.datedByTrashInfo) {
-        item.added = deletionDate(url);
-        if (!reason && !item.added) reason = SkipReason::noToolSignature;
+    if (root.datedByTrashInfo && !reason) {
+        if (const auto deleted = deletionDate(url)) {
+            item.added = std::max(*deleted, item.added.value_or(item.facts.newestUse));
+        } else {
+            reason = SkipReason::noToolSignature;
+        }
     }
     if (reason) {
         auto refusal = reason == SkipReason::protectedPlace ? std::move(item.facts.protectedRefusal) : std::nullopt;
@@ -91,7 +95,8 @@ std::filesystem::path ItemSelection::urlOf(const MeasuredItem& item) const {
 }
 
 bool ItemSelection::isOldEnough(const MeasuredItem& item, const std::filesystem::path& url, Date ageDate) const {
-    return vostrel::isOldEnough(ageDate, rule.filter.minAgeDays, now) && (preset == nullptr || preset->letsGo(item, url, now));
+    return vostrel::isOldEnough(ageDate, rule.filter.minAgeDays, now) &&
+           (preset == nullptr || preset->letsGo(item, url, now));
 }
 
 }  // namespace vostrel

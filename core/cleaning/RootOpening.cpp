@@ -171,7 +171,7 @@ std::optional<PlanError> RootOpening::refuse(const ResolvedRoot& resolved, const
 
 std::optional<PlanError> RootOpening::checkBasis(int openFolder, AgeBasis basis, OpenedRoot& opened) const {
     const std::string type = volume.fileSystemType(openFolder).value_or("");
-    opened.recordsAddedDates = opened.datedByTrashInfo || recordsAddedDates(type);
+    opened.recordsAddedDates = recordsAddedDates(type);
     const bool isKept = basis == AgeBasis::modified || (basis == AgeBasis::added && opened.recordsAddedDates) ||
                         (basis == AgeBasis::lastOpened && recordsLastUsedDates(type, volume.accessTimes(openFolder)));
     if (!isKept) return PlanError::of(Kind::basisUnsupportedOnThisDisk);

@@ -3,8 +3,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
+#include <chrono>
 #include <ctime>
 #include <string>
 #include <string_view>
@@ -21,10 +24,14 @@ namespace {
 /// The longest path, every byte of it written as "%41", and the rest of the file many times over.
 constexpr std::int64_t longestFile = 65'536;
 
-bool isTrusted(int openFolder) {
+bool isOnlyTheUsers(const FileStatus& status) {
     constexpr unsigned writableByOthers = 022;
+    return status.owner == effectiveUserID() && (status.mode & writableByOthers) == 0;
+}
+
+bool isTrusted(int openFolder) {
     const auto status = statusOfOpen(openFolder);
-    return status && status->owner == effectiveUserID() && (status->mode & writableByOthers) == 0;
+    return status && isOnlyTheUsers(*status);
 }
 
 std::optional<std::string> contentOf(int openFolder, const std::string& name) {
@@ -33,6 +40,7 @@ std::optional<std::string> contentOf(int openFolder, const std::string& name) {
     if (!file.isOpen()) return std::nullopt;
     const auto status = statusOfOpen(file.get());
     if (!status || status->type != EntryType::file || status->length > longestFile) return std::nullopt;
+    if (!isOnlyTheUsers(*status)) return std::nullopt;
     std::string content;
     std::array<char, 4096> piece{};
     while (content.size() <= longestFile) {
@@ -49,23 +57,49 @@ std::string_view takeLine(std::string_view& text) {
     const auto end = text.find('\n');
     std::string_view line = text.substr(0, end);
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    while (!line.empty() && (line.back() == '\r' || line.back() == ' '))
-        line.remove_suffix(1);
+    if (line.ends_with('\r')) line.remove_suffix(1);
     return line;
 }
 
-/// "2025-03-03T09:05:07" in local time.
-std::optional<Date> localDate(const std::string& text) {
+/// The number that the digits stand for, of which nothing but digits is read.
+int number(std::string_view digits) {
+    int value = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    return value;
+}
+
+/// "2025-03-03T09:05:07" and nothing else: a day that there was, since 1970.
+std::optional<std::tm> calendarTime(std::string_view text) {
+    constexpr std::string_view form = "0000-00-00T00:00:00";
+    const bool hasForm = std::ranges::equal(text, form, [](char letter, char wanted) {
+        return wanted == '0' ? letter >= '0' && letter <= '9' : letter == wanted;
+    });
+    if (!hasForm) return std::nullopt;
     std::tm parts{};
-    const char* end = ::strptime(text.c_str(), "%Y-%m-%dT%H:%M:%S", &parts);
-    if (end == nullptr || *end != '\0') return std::nullopt;
+    parts.tm_year = number(text.substr(0, 4)) - 1900;
+    parts.tm_mon = number(text.substr(5, 2)) - 1;
+    parts.tm_mday = number(text.substr(8, 2));
+    parts.tm_hour = number(text.substr(11, 2));
+    parts.tm_min = number(text.substr(14, 2));
+    parts.tm_sec = number(text.substr(17, 2));
+    const std::chrono::year_month_day day{std::chrono::year(parts.tm_year + 1900),
+                                          std::chrono::month(static_cast<unsigned>(parts.tm_mon + 1)),
+                                          std::chrono::day(static_cast<unsigned>(parts.tm_mday))};
+    const bool isTime = parts.tm_hour < 24 && parts.tm_min < 60 && parts.tm_sec < 60;
+    if (!day.ok() || parts.tm_year < 70 || !isTime) return std::nullopt;
+    return parts;
+}
+
+std::optional<Date> localDate(std::string_view text) {
+    const auto parts = calendarTime(text);
+    if (!parts) return std::nullopt;
     std::optional<Date> latest;
     for (const int isSummer : {-1, 0, 1}) {
-        std::tm tried = parts;
+        std::tm tried = *parts;
         tried.tm_isdst = isSummer;
         const std::time_t seconds = std::mktime(&tried);
-        if (seconds == -1) continue;
-        const bool isThatTime = isSummer == -1 || (tried.tm_hour == parts.tm_hour && tried.tm_min == parts.tm_min);
+        if (seconds == -1 || tried.tm_mday != parts->tm_mday) continue;
+        const bool isThatTime = isSummer == -1 || (tried.tm_hour == parts->tm_hour && tried.tm_min == parts->tm_min);
         const Date date = Date::fromSeconds(seconds);
         if (isThatTime && (!latest || date > *latest)) latest = date;
     }
@@ -78,7 +112,7 @@ std::optional<Date> dateIn(std::string_view content) {
     while (!content.empty()) {
         const std::string_view line = takeLine(content);
         if (line.starts_with('[')) return std::nullopt;
-        if (line.starts_with(key)) return localDate(std::string(line.substr(key.size())));
+        if (line.starts_with(key)) return localDate(line.substr(key.size()));
     }
     return std::nullopt;
 }

@@ -12,7 +12,8 @@ namespace vostrel {
 /// as the later one.
 ///
 /// Nothing when no such file says so: an item without one did not come through the Trash. Nothing either when others
-/// may write to the "info" folder, for then anybody may have dated the item.
+/// may write to the file or to its folder, for then anybody may have dated the item. A date only says so much: the file
+/// may be left over from an earlier item of that name, and who wrote it may have been in another time zone.
 [[nodiscard]] std::optional<Date> deletionDate(const std::filesystem::path& item);
 
 }  // namespace vostrel

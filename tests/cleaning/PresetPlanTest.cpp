@@ -123,7 +123,7 @@ TEST(PresetPlanTest, tellsWhenAnIDEWasOpenedByWhatItWrites) {
 }
 
 TEST(PresetPlanTest, goesByTheDatesThatTheTrashKeeps) {
-    const PlannerHome home;
+    PlannerHome home;
     const std::string trash = ".local/share/Trash/";
     const auto info = [&](const std::string& name, const std::string& content) {
         home.home.makeFile(trash + "files/" + name);
@@ -139,6 +139,9 @@ TEST(PresetPlanTest, goesByTheDatesThatTheTrashKeeps) {
     };
     info("old", thrownAway(30));
     info("younger", thrownAway(29));
+    info("left over", "[Trash Info]\nDeletionDate=2001-01-01T00:00:00\n");
+    info("not the user's alone", thrownAway(30));
+    chmod((home / (trash + "info/not the user's alone.trashinfo")).c_str(), 0664);
     info("undated", "");
     info("odd", "[Trash Info]\nDeletionDate=yesterday\n");
     info("other group", "[Other]\nDeletionDate=2001-01-01T00:00:00\n");
@@ -147,12 +150,18 @@ TEST(PresetPlanTest, goesByTheDatesThatTheTrashKeeps) {
     home.home.makeLink(trash + "info/linked.trashinfo", home / (trash + "info/old.trashinfo"));
 
     const Rule rule = home.ruleOf("old-trash");
-    Verdicts expected{{trash + "files/old", planned}};
-    for (const char* name : {"undated", "odd", "other group", "too long", "linked"})
+    Verdicts expected{{trash + "files/old", planned}, {trash + "files/left over", planned}};
+    for (const char* name : {"undated", "odd", "other group", "too long", "linked", "not the user's alone"})
         expected[trash + "files/" + name] = notTheTools;
     EXPECT_EQ(verdictsOf(home, rule), expected);
+    home.now = Date::now() + days(29);
+    EXPECT_FALSE(verdictsOf(home, rule).contains(trash + "files/left over")) << "the item came in now";
     chmod((home / (trash + "info")).c_str(), 0777);
     EXPECT_EQ(verdictsOf(home, rule).at(trash + "files/old"), notTheTools) << "anybody may have dated it";
+    home.planner.volume.fileSystemType = [](int) { return "msdos"; };
+    const auto plan = home.plan(rule);
+    ASSERT_FALSE(plan) << "nothing says when an item came in but a file that may be of another";
+    EXPECT_EQ(plan.error().kind, PlanError::Kind::basisUnsupportedOnThisDisk);
 }
 
 TEST(TrashInfoTest, readsLocalTimeAndTheLaterOfAnHourThatComesTwice) {
@@ -168,7 +177,12 @@ TEST(TrashInfoTest, readsLocalTimeAndTheLaterOfAnHourThatComesTwice) {
     EXPECT_EQ(dateOf("2025-01-15T12:00:00"), Date::fromSeconds(1'736'938'800));
     EXPECT_EQ(dateOf("2025-07-01T12:00:00"), Date::fromSeconds(1'751'364'000));
     EXPECT_EQ(dateOf("2025-10-26T02:30:00"), Date::fromSeconds(1'761'442'200));
-    for (const char* text : {"", "2025-13-01T00:00:00", "2025-01-01", "2025-01-01T00:00:00Z"})
+    const std::string time = "2025-01-01T10:00:00";
+    for (const std::string& text :
+         {std::string(), std::string("2025-01-01"), "2025-13-01" + time.substr(10), "2025-02-31" + time.substr(10),
+          "1969-12-31" + time.substr(10), "0001-01-01" + time.substr(10), time + "Z", time + ".5", time + " ",
+          " " + time, time + std::string("\0junk", 5), std::string("2025- 1- 1T 1: 1: 1"), time.substr(0, 17) + "60",
+          time.substr(0, 11) + "24:00:00", "20" + time})
         EXPECT_EQ(dateOf(text), std::nullopt) << text;
     before ? setenv("TZ", zone.c_str(), 1) : unsetenv("TZ");
     tzset();

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
@@ -50,10 +51,6 @@ std::vector<std::size_t> widths(const std::vector<Output::Row>& rows, std::size_
     return widest;
 }
 
-void write(std::FILE* stream, std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stream);
-}
-
 }  // namespace
 
 Output::Output(Form chosen) : form(chosen), colour(chosen == Form::people && coloursWanted()) {}
@@ -69,7 +66,11 @@ void Output::line(const Row& texts) {
     std::string whole;
     for (const Text& text : texts)
         whole += styled(text);
-    write(stdout, whole + "\n");
+    write(whole + "\n");
+}
+
+void Output::plain(std::string_view text) {
+    if (isForPeople()) write(text);
 }
 
 void Output::table(const std::vector<Row>& rows, const std::vector<Alignment>& alignments) {
@@ -85,20 +86,20 @@ void Output::table(const std::vector<Row>& rows, const std::vector<Alignment>& a
             whole += styled(row[column]);
             if (alignments.at(column) == Alignment::left && !isLast) whole += space;
         }
-        write(stdout, whole + "\n");
+        write(whole + "\n");
     }
 }
 
-CommandResult Output::document(const JSONValue& value) const {
+CommandResult Output::document(const JSONValue& value) {
     if (isForPeople()) return {};
     const auto text = JSONCoding::encoder(JSONLayout::pretty).encode(value);
     if (!text) return failed("The result could not be written as JSON: " + text.error().text());
-    write(stdout, *text + "\n");
+    write(*text + "\n");
     return {};
 }
 
 void Output::notice(std::string_view sentence) {
-    write(stderr, printable(sentence) + "\n");
+    std::fputs((printable(sentence) + "\n").c_str(), stderr);
 }
 
 void Output::failure(const Failure& failure) {
@@ -110,8 +111,14 @@ void Output::failure(const Failure& failure) {
     if (const auto written = document(error); !written) notice(written.error().sentences.front());
 }
 
-bool Output::finish() {
-    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+void Output::write(std::string_view text) {
+    const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+    if (!isWritten && writeError == 0) writeError = errno;
+}
+
+int Output::finish() {
+    if (std::fflush(stdout) != 0 && writeError == 0) writeError = errno;
+    return writeError;
 }
 
 std::string counted(std::int64_t count, std::string_view one, std::string_view many) {

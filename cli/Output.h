@@ -36,22 +36,26 @@ public:
 
     /// One line for people; nothing in the JSON form.
     void line(const Row& texts = {});
+    /// Text as it stands, for people.
+    void plain(std::string_view text);
     /// Rows whose columns stand under one another, each line set in by two spaces.
     void table(const std::vector<Row>& rows, const std::vector<Alignment>& alignments);
     /// The JSON document; nothing in the form for people.
-    [[nodiscard]] CommandResult document(const JSONValue& value) const;
+    [[nodiscard]] CommandResult document(const JSONValue& value);
     /// A sentence that people should know and that is no failure: to standard error.
     void notice(std::string_view sentence);
     /// Why a command failed: to standard error, and as the document {"error": …}.
     void failure(const Failure& failure);
-    /// Whether everything has reached standard output.
-    [[nodiscard]] bool finish();
+    /// The error number that kept something of this from standard output; 0 when everything has reached it.
+    [[nodiscard]] int finish();
 
 private:
     [[nodiscard]] std::string styled(const Text& text) const;
+    void write(std::string_view text);
 
     Form form;
     bool colour;
+    int writeError = 0;
 };
 
 /// "1 file", "3 files".

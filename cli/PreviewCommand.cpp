@@ -47,7 +47,7 @@ std::expected<CleanupPlan, PlanError> planned(Session& session, const GlobalOpti
 }
 
 CommandResult approve(Session& session, const Rule& rule, const CleanupPlan& plan) {
-    if (!session.output.finish()) return failed("Nothing was approved, for the preview could not be shown.");
+    if (session.output.finish() != 0) return failed("Nothing was approved, for the preview could not be shown.");
     const auto saved = session.rules.change([&](RuleBook& book) -> CommandResult {
         if (Interrupt::requested()) return failed(Interrupt::sentence);
         if (book.approvePreview(rule, plan, session.catalog, session.clock())) return {};

@@ -1,7 +1,8 @@
 #include <fcntl.h>
-#include <signal.h>  // NOLINT(modernize-deprecated-headers): SIGXFSZ is POSIX, not C++
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): the signals are POSIX, not C++
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <exception>
 #include <tuple>
@@ -26,8 +27,9 @@ void keepStandardDescriptors() {
 
 ExitStatus finish(Output& output, const CommandResult& result) {
     if (!result) output.failure(result.error());
-    if (!output.finish()) {
-        output.notice("The result could not be written.");
+    if (const int error = output.finish(); error != 0) {
+        // Whoever reads no further knows.
+        if (error != EPIPE) output.notice("The result could not be written.");
         return ExitStatus::failed;
     }
     return result ? ExitStatus::done : result.error().status;
@@ -41,7 +43,7 @@ ExitStatus run(const Request& request) {
 
 ExitStatus answer(const Answer& answer) {
     Output output(Output::Form::people);
-    std::fputs(answer.text.c_str(), stdout);
+    output.plain(answer.text);
     return finish(output, {});
 }
 
@@ -56,8 +58,10 @@ ExitStatus refuse(const WrongCommandLine& line) {
 int main(int count, char** arguments) {
     using namespace vostrel::cli;
     keepStandardDescriptors();
-    // A file that grows past the limit is then a failure of the write, which has a sentence.
+    // A file that grows past the limit, or a pipe that nobody reads, is then a failure of the write: the first has a
+    // sentence, and after the second a command still clears away what it made for itself.
     ::signal(SIGXFSZ, SIG_IGN);
+    ::signal(SIGPIPE, SIG_IGN);
     try {
         return static_cast<int>(vostrel::visit(
             readCommandLine(count, arguments), [](const Request& request) { return run(request); },

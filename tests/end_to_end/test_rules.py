@@ -57,6 +57,11 @@ class RulesTest(ProgramTest):
         (pin,) = rule["filter"]["pinnedFiles"]
         self.assertEqual((pin["name"], pin["inode"]), ("film.mkv", chosen.stat().st_ino))
         self.make("Downloads/sub/deep")
+        other = self.make("Downloads/another file")
+        (item,) = self.document("preview", "One film", days_ahead=40)["items"]
+        self.assertEqual(item["path"], str(chosen))
+        other.rename(chosen)
+        self.assertEqual(self.document("preview", "One film", days_ahead=40)["items"], [])
         for missing in ("absent", "sub", "sub/deep", "/etc/passwd"):
             self.refuse("rule", "add", "Pin", "--folder", self.downloads, "--pin", missing)
 

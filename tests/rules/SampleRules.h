@@ -42,11 +42,9 @@ inline PresetCatalog sampleCatalog() {
     Preset names = items;
     names.id = "own-names";
     names.namePatterns = {"*.log"};
-    Preset trash = items;
-    trash.id = "only-trash";
-    trash.trashOnly = true;
-    Preset screenshots = trash;
+    Preset screenshots = items;
     screenshots.id = "screenshots";
+    screenshots.trashOnly = true;
     screenshots.sources = {ScreenshotFolderSource{}};
     Preset derivedData = items;
     derivedData.id = "derived-data";
@@ -54,7 +52,7 @@ inline PresetCatalog sampleCatalog() {
     Preset temporary = items;
     temporary.id = "temporary";
     temporary.sources = {HomeSource{"Library/Caches/kept"}, UserTempSource{"session-"}};
-    return PresetCatalog({items, depth, names, trash, screenshots, derivedData, temporary});
+    return PresetCatalog({items, depth, names, screenshots, derivedData, temporary});
 }
 
 }  // namespace vostrel

@@ -130,6 +130,7 @@ TEST_F(ProjectScanTest, plansWhatAToolMadeAndLeavesEveryNearMiss) {
         const auto unmarked = plant("unmarked", content, unrecognised);
         for (const auto& marker : beside)
             std::filesystem::remove_all(home / (unmarked + marker.substr(0, marker.find('/'))));
+        makeAll(unmarked, {"notes.txt"});
         makeAll(plant("a person's", content, unrecognised) + folder, {row.at(4)});
         if (row.at(5) != "-")
             makeAll(plant("with a repository", content, unrecognised) + folder, {row.at(5) + "/x/.git/HEAD"});

@@ -36,11 +36,7 @@ std::string spacesAround(const std::string& entry) {
 class RuleValidationTest : public testing::Test {
 protected:
     /// A sound rule, what is done to it, and the sentences that this is answered with, in their order.
-    struct Row {
-        Rule rule;
-        std::function<void(Rule&)> edit;
-        Sentences problems;
-    };
+    using Row = std::tuple<Rule, std::function<void(Rule&)>, Sentences>;
     void check(const std::vector<Row>& table) const {
         for (const auto& [rule, edit, expected] : table) {
             Rule edited = rule;
@@ -143,11 +139,10 @@ TEST_F(RuleValidationTest, checksFiltersTriggersAndPauses) {
 TEST_F(RuleValidationTest, takesASettingForAFaultOnlyWhereTheGuardsRefuseIt) {
     Rule rule = plain;
     rule.target = PresetTarget{"derived-data"};
-    const auto withSetting = [&](std::string folder) {
-        return problems(rule, FixedDefaults({{"com.apple.dt.Xcode IDECustomDerivedDataLocation", std::move(folder)}}));
-    };
-    EXPECT_EQ(withSetting(disk / "Documents/Build"), refusal("Documents/Build"));
-    EXPECT_EQ(withSetting("Build"), Sentences()) << "no fault of the rule";
+    for (const auto& [folder, expected] :
+         {std::pair((disk / "Documents/Build").native(), refusal("Documents/Build")), {"Build", {}}})
+        EXPECT_EQ(problems(rule, FixedDefaults({{"com.apple.dt.Xcode IDECustomDerivedDataLocation", folder}})),
+                  expected);
 }
 
 TEST_F(RuleValidationTest, reportsEveryProblemInOneOrderAndEachOnce) {

@@ -45,6 +45,7 @@ JSONValue documentOf(const Preset& preset, const PresetFolders& here) {
         {"trashOnly", preset.trashOnly},
         {"ageBasis", encodeJSON(preset.ageBasis)},
         {"scope", encodeJSON(preset.scope)},
+        {"foldersOnly", preset.foldersOnly},
         {"namePatterns", encodeJSON(preset.namePatterns)},
         {"excludePatterns", encodeJSON(preset.excludePatterns)},
         {"pauseWhileRunning", encodeJSON(preset.pauseWhileRunning)},

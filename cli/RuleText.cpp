@@ -117,7 +117,9 @@ std::vector<std::string> filterTexts(const Rule& rule) {
 
 std::vector<std::string> limitTexts(const Preset& preset) {
     std::vector<std::string> texts;
-    if (preset.decidesNames()) texts.emplace_back("only names that its tool gives");
+    if (preset.decidesNames())
+        texts.emplace_back(preset.foldersOnly ? "only folders with names that its tool gives"
+                                              : "only names that its tool gives");
     if (preset.minAgeDays) texts.push_back(ageText(*preset.minAgeDays, preset.ageBasis));
     for (const std::string& folder : preset.usedBeside)
         texts.push_back("nothing written since to its entry in ~/" + folder);

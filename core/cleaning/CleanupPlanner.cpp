@@ -91,7 +91,7 @@ std::optional<PlanError> PartCollector::collect(const OpenedRoot& root) {
 
 bool PartCollector::admits(const OpenedRoot& root, std::string_view name, std::uint64_t fileID, EntryType type) const {
     if (root.root.screenshotFolder && (type != EntryType::file || !isScreenshotName(name))) return false;
-    if (!names.passes(name) || (preset && preset->keeps(name))) return false;
+    if (!names.passes(name) || (preset && preset->keeps(name, type))) return false;
     if (rule.filter.pinnedFiles.empty()) return true;
     return type == EntryType::file && rule.filter.pinsAllow(name, fileID, root.root.identity.volumeUUID);
 }

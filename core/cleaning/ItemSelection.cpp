@@ -40,6 +40,10 @@ void ItemSelection::take(MeasuredItem item) {
             reason = SkipReason::noToolSignature;
         }
     }
+    if (preset != nullptr && !reason) {
+        item.facts.protectedRefusal = preset->refusal(url);
+        if (item.facts.protectedRefusal) reason = SkipReason::protectedPlace;
+    }
     if (reason) {
         auto refusal = reason == SkipReason::protectedPlace ? std::move(item.facts.protectedRefusal) : std::nullopt;
         plan.skipped.push_back({std::move(url), *reason, std::move(refusal)});

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <string>
+#include <vector>
 
 #include "base/SystemError.h"
 #include "filesystem/FileFacts.h"
@@ -18,15 +20,17 @@ class NewestSink final : public EntrySink {
 public:
     explicit NewestSink(Date first) : newest(first) {}
     void entry(const FolderEntry& entry) override {
+        if (entry.error == 0 && entry.type == EntryType::folder) return folders.emplace_back(entry.name), void();
         newest = std::max(newest, entry.error != 0 ? Date::distantFuture() : entry.modified);
     }
 
     Date newest;
+    std::vector<std::string> folders;
 };
 
-/// When something was last written to a folder or to a file directly in it. What is not there was never written;
-/// what cannot be read may have been just now.
-Date lastWritten(const std::filesystem::path& path) {
+/// When something was last written to a folder, to a file directly in it, or so in its subfolders down to that many
+/// levels. What is not there was never written; what cannot be read may have been just now.
+Date lastWritten(const std::filesystem::path& path, int levels) {
     const auto status = statusOfPath(path);
     if (!status) return isMissing(status.error()) ? Date::distantPast() : Date::distantFuture();
     if (status->type != EntryType::folder) return status->modified;
@@ -37,24 +41,41 @@ Date lastWritten(const std::filesystem::path& path) {
     for (;;) {
         const auto step = listing.readSome(folder.get(), sink);
         if (!step) return Date::distantFuture();
-        if (*step == FolderListing::Step::end) return sink.newest;
+        if (*step == FolderListing::Step::end) break;
     }
+    if (levels == 0) return sink.newest;
+    for (const std::string& name : sink.folders)
+        sink.newest = std::max(sink.newest, lastWritten(path / name, levels - 1));
+    return sink.newest;
 }
 
 }  // namespace
 
 std::expected<PresetItems, std::string> PresetItems::of(const Preset& preset, std::filesystem::path home) {
-    auto names = Glob::Patterns::compile(preset.namePatterns);
+    auto names = PresetNames::compile(preset.namePatterns);
     if (!names) return std::unexpected(std::move(names.error()));
-    auto kept = Glob::Patterns::compile(preset.excludePatterns);
+    auto kept = PresetNames::compile(preset.excludePatterns);
     if (!kept) return std::unexpected(std::move(kept.error()));
     return PresetItems(preset, std::move(home), *std::move(names), *std::move(kept));
+}
+
+bool PresetItems::keeps(std::string_view name, EntryType type) const {
+    return kept.matchesAny(name) || (preset->foldersOnly && type == EntryType::file);
+}
+
+std::optional<std::string> PresetItems::refusal(const std::filesystem::path& item) const {
+    for (const std::string& name : preset->historyInside) {
+        const auto status = statusOfPath(item / name);
+        if (!status && isMissing(status.error())) continue;
+        return "It holds \"" + name + "\", earlier versions of your own files, so Vostrel leaves it alone.";
+    }
+    return std::nullopt;
 }
 
 bool PresetItems::letsGo(const MeasuredItem& item, const std::filesystem::path& path, Date now) const {
     if (!isOldEnough(ageDateOf(item, path, preset->ageBasis), preset->minAgeDays, now)) return false;
     return std::ranges::all_of(preset->usedBeside, [&](const std::string& folder) {
-        return isOldEnough(lastWritten(home / folder / path.filename()), preset->minAgeDays, now);
+        return isOldEnough(lastWritten(home / folder / path.filename(), 1), preset->minAgeDays, now);
     });
 }
 

@@ -11,7 +11,7 @@ struct HomeSource {
     friend bool operator==(const HomeSource&, const HomeSource&) = default;
 };
 
-/// The folders in the user's temporary folder whose names begin with the prefix.
+/// The folder in the user's temporary folder whose name is the prefix and the user's number.
 struct UserTempSource {
     std::string prefix;
     friend bool operator==(const UserTempSource&, const UserTempSource&) = default;

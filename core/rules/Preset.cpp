@@ -30,11 +30,17 @@ Rule Preset::draftRule(Date createdAt) const {
 
 std::string Preset::definition() const {
     const JSONObject meaning{
-        {"ageBasis", encodeJSON(ageBasis)},     {"excludePatterns", encodeJSON(excludePatterns)},
-        {"minAgeDays", encodeJSON(minAgeDays)}, {"namePatterns", encodeJSON(namePatterns)},
-        {"scope", encodeJSON(scope)},           {"semanticsRevision", encodeJSON(semanticsRevision)},
-        {"sources", encodeJSON(sources)},       {"trashOnly", encodeJSON(trashOnly)},
+        {"ageBasis", encodeJSON(ageBasis)},
+        {"excludePatterns", encodeJSON(excludePatterns)},
+        {"foldersOnly", encodeJSON(foldersOnly)},
+        {"minAgeDays", encodeJSON(minAgeDays)},
+        {"namePatterns", encodeJSON(namePatterns)},
+        {"scope", encodeJSON(scope)},
+        {"semanticsRevision", encodeJSON(semanticsRevision)},
+        {"sources", encodeJSON(sources)},
+        {"trashOnly", encodeJSON(trashOnly)},
         {"usedBeside", encodeJSON(usedBeside)},
+        {"historyInside", encodeJSON(historyInside)},
     };
     return JSONCoding::encoder(JSONLayout::compact).encode(JSONValue(meaning)).value_or("unknown");
 }

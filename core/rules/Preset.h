@@ -27,11 +27,13 @@ struct Preset {
     std::string summary;
     std::string reason;
     std::vector<PathSource> sources;
-    /// Names of items that the preset cleans (all when there are none) and that it keeps; unlike a rule's patterns they
-    /// say nothing of what lies inside an item.
+    /// Names of items that the preset cleans (all when there are none) and that it keeps, as `PresetNames` reads them;
+    /// unlike a rule's patterns they say nothing of what lies inside an item.
     std::vector<std::string> namePatterns = {};
     std::vector<std::string> excludePatterns = {};
     RuleScope scope = RuleScope::topLevelItems;
+    /// The tool makes only folders of those names: a file is none of its own.
+    bool foldersOnly = false;
     bool trashOnly = false;
     std::optional<int> minAgeDays = {};
     AgeBasis ageBasis = AgeBasis::modified;
@@ -46,6 +48,9 @@ struct Preset {
     /// Folders below the home in which the tool writes to an entry of the item's name whenever it is used: what it
     /// wrote last counts for the item's age.
     std::vector<std::string> usedBeside = {};
+    /// Names directly inside an item under which the tool keeps earlier versions of the user's own files: an item that
+    /// holds one stays.
+    std::vector<std::string> historyInside = {};
 
     /// Whether rules made from it may not list names to clean: it has patterns of its own, or cleans the screenshot
     /// folder, where only screenshots go.

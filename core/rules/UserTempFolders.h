@@ -10,7 +10,8 @@
 
 namespace vostrel {
 
-/// The folders directly in `tempBase` whose names begin with the prefix and that belong to that user, by name.
+/// The folder directly in `tempBase` that is named by the prefix and that user's number and belongs to them; at most
+/// one. Nothing else that merely begins so: anybody may have made it.
 ///
 /// Links are not followed and not listed; an empty prefix, like a missing `tempBase`, gives none.
 [[nodiscard]] std::expected<std::vector<std::filesystem::path>, SystemError> userTempFolders(

@@ -4,9 +4,11 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <regex>
 
 #include "cleaning/PlannerHome.h"
 #include "filesystem/TrashInfo.h"
+#include "platform/UserAccount.h"
 
 namespace vostrel {
 namespace {
@@ -17,6 +19,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr const char* planned = "planned";
+constexpr const char* neverRemoved = "Vostrel never removes";
 constexpr const char* notTheTools = "not recognized as a tool's folder";
 
 Verdicts verdictsOf(const PlannerHome& home, const Rule& rule) {
@@ -33,22 +36,27 @@ void makeAged(const PlannerHome& home, const std::string& path, int age) {
 }
 
 /// A preset and its folder, the items there that it takes, those that it says are not the tool's, and those that it
-/// passes over; each with its age in days, and after "//" a file inside it.
+/// passes over; each with its age in days, and after "//" a file inside it. USER is the user's number.
 constexpr std::string_view items = R"(
-xcode-derived-data | Library/Developer/Xcode/DerivedData | 8 E-qqqqqqqqqqqqqqqqqqqqqqqqqqqq//info.plist | 99 E-qqqqqqqqqqqqqqqqqqqqqqqqqqqqq//a, 99 My notes//a | 99 note, 6 N-zzzzzzzzzzzzzzzzzzzzzzzzzzzz//a
-xcode-device-support | Library/Developer/Xcode/iOS DeviceSupport | 91 iPhone14,5 17.2 (21C62)//Symbols/a | 91 my backup//a | 89 16.4 (20E247)//a
+xcode-derived-data | Library/Developer/Xcode/DerivedData | 8 E-qqqqqqqqqqqqqqqqqqqqqqqqqqqq//info.plist | 99 E-qqqqqqqqqqqqqqqqqqqqqqqqqqqqq//a, 99 My notes//a | 99 note, 99 ModuleCache, 6 N-zzzzzzzzzzzzzzzzzzzzzzzzzzzz//a
+xcode-device-support | Library/Developer/Xcode/iOS DeviceSupport | 91 iPhone14,5 17.2 (21C62)//Symbols/a, 91 17.0.1 (21A340) arm64e//a | 91 photos 2.0 (2024)//a | 89 16.4 (20E247)//a
 xcode-device-support | Library/Developer/Xcode/watchOS DeviceSupport | 91 10.2 (21S364)//a
-xcode-archives | Library/Developer/Xcode/Archives | 181 2024-01-31//a | 999 Releases//a | 179 2024-02-01//a
+xcode-archives | Library/Developer/Xcode/Archives | 181 2024-01-31//a | 999 Releases//a | 179 2024-02-01//a, 999 2024-01-02
+uv-cache | .cache/uv | 1 wheels-v5//a | 1 thesis-v2//a
+gradle-caches | .gradle/caches | 1 8.10.2//a, 1 9.0-rc-1//a | 1 3.5 photos//a, 1 modules-#//a
+claude-updates | Library/Caches/com.anthropic.claudefordesktop.ShipIt | 1 update.aB3dE6g//a | 1 update.my notes//a
 go-build-cache | .cache/go-build | 1 0a//1-d |  | 99 fuzz//found/input, 99 README
-playwright-browsers | .cache/ms-playwright | 1 chromium_headless_shell-1148//a | 99 mcp-chrome-profile//Cookies
-agent-temp | temporary | 8 claude-501/-home-ann-code//a | 99 claude-501/mine//a | 6 claude-501/-home-ann-new//a, 99 other/-home-ann-code//a
-logs | Library/Logs | 31 App/deep/a.log, 31 App/a.log.1 |  | 29 App/new.log, 99 App/000003.log, 99 App/notes
+playwright-browsers | .cache/ms-playwright | 1 chromium_headless_shell-1148//a, 1 webkit_mac12_arm64_special-2009//a | 1 chromium-1 my profile//Cookies
+agent-temp | temporary | 8 claude-USER/-home-ann-code//a | 99 claude-USER/mine//a | 6 claude-USER/-home-ann-new//a, 99 claude-USER/-my notes//a, 99 claude-USER/-notes, 99 claude-thesis/-old//a
+logs | Library/Logs | 31 App/deep/a.log, 31 App/a.log.1 |  | 29 App/new.log, 99 App/1234567.log, 99 App/notes
 old-downloads | Downloads | 1 film, 1 folder//.DS_Store |  | 1 .DS_Store
 screenshots | Desktop | 31 Screenshot 2024-01-31 at 9.05.07.png |  | 29 Screenshot 2024-01-31 at 9.05.07 (2).mov, 99 letter.txt, 99 folder/Screenshot 2024-01-31 at 9.05.07.png
 )";
 
 TEST(PresetPlanTest, takesOnlyWhatThePresetIsAbout) {
-    for (const auto& line : split(items.substr(1), "\n")) {
+    const auto table =
+        std::regex_replace(std::string(items.substr(1)), std::regex("USER"), std::to_string(effectiveUserID()));
+    for (const auto& line : split(table, "\n")) {
         SCOPED_TRACE(line);
         const PlannerHome home;
         const auto row = split(line, " | ");
@@ -70,14 +78,20 @@ TEST(PresetPlanTest, tellsWhenAnIDEWasOpenedByWhatItWrites) {
     const std::string caches = ".cache/JetBrains/";
     for (const char* version : {"IdeaIC2022.2", "PyCharm2022.1", "GoLand2022.3", "CLion2022.1"})
         makeAged(home, caches + version + "/index", 91);
-    makeAged(home, caches + "Toolbox/a", 999);
+    for (const char* name : {"Toolbox/a", "Thesis2023.1/a", "PhpStorm2022.1/LocalHistory/changes", "DataGrip2022.1/a"})
+        makeAged(home, caches + name, 999);
+    const std::string options = "Library/Application Support/JetBrains/DataGrip2022.1/options/";
+    makeAged(home, options + "editor.xml", 999);
+    home.setAge(options + "editor.xml", days(3));
     makeAged(home, "Library/Logs/JetBrains/IdeaIC2022.2/idea.log", 91);
     makeAged(home, "Library/Logs/JetBrains/PyCharm2022.1/idea.log", 89);
     makeAged(home, ".config/JetBrains/CLion2022.1/port", 91);
     home.setAge(".config/JetBrains/CLion2022.1", days(3));
     EXPECT_EQ(verdictsOf(home, home.ruleOf("jetbrains-caches")), (Verdicts{{caches + "IdeaIC2022.2", planned},
                                                                            {caches + "GoLand2022.3", planned},
-                                                                           {caches + "Toolbox", notTheTools}}));
+                                                                           {caches + "Toolbox", notTheTools},
+                                                                           {caches + "Thesis2023.1", notTheTools},
+                                                                           {caches + "PhpStorm2022.1", neverRemoved}}));
 }
 
 TEST(PresetPlanTest, goesByTheDatesThatTheTrashKeeps) {

@@ -1,3 +1,4 @@
+import os
 import unittest
 
 from driver import ProgramTest
@@ -25,12 +26,12 @@ SAMPLES = {
     "puppeteer-browsers": ".cache/puppeteer|/chrome|/a",
     "jetbrains-caches": "Library/Caches/JetBrains|/GoLand2022.3|/a",
     "vscode-caches": "Library/Application Support/Code/CachedData|/1a2b|/a",
-    "agent-temp": "../temporary/claude-501|/-home-ann-code|/a",
+    "agent-temp": f"../temporary/claude-{os.getuid()}|/-home-ann-code|/a",
     "chrome-cache": "Library/Caches/Google/Chrome|/Default|/a",
     "edge-cache": "Library/Caches/Microsoft Edge|/Default|/a",
     "firefox-cache": "Library/Caches/Firefox|/Profiles|/a",
     "brave-cache": "Library/Caches/BraveSoftware/Brave-Browser|/Default|/a",
-    "claude-updates": "Library/Caches/com.anthropic.claudefordesktop.ShipIt|/update.1a2b|/a",
+    "claude-updates": "Library/Caches/com.anthropic.claudefordesktop.ShipIt|/update.1a2b3c4|/a",
     "claude-web-cache": "Library/Application Support/Claude/GPUCache|/data_0|",
     "google-updater-downloads": "Library/Application Support/Google/GoogleUpdater/crx_cache|/1a2b|",
     "ollama-updates": "Library/Caches/ollama|/updates|/a",

@@ -124,17 +124,19 @@ TEST_F(TargetResolverTest, followsOtherApplicationsSettingsAsFarAsTheyCanBeTrust
     }
 }
 
-TEST_F(TargetResolverTest, findsTheUsersOwnTemporaryFoldersByPrefix) {
+TEST_F(TargetResolverTest, findsTheTemporaryFolderThatIsNamedByTheUsersNumber) {
     const std::string kept = "~/Library/Caches/kept";
     check({{PresetTarget{"temporary"}, kept}});
-    for (const char* name : {"session-b", "session-a", "other-session-c", "Session-d"})
-        disk.makeFolder(fmt::format("temporary/{}", name));
-    disk.makeFile("temporary/session-file");
-    disk.makeLink("temporary/session-link", home);
-    check({{PresetTarget{"temporary"}, fmt::format("{}, {}/session-a, {}/session-b", kept,
-                                                   (disk / "temporary").native(), (disk / "temporary").native())}});
+    const auto name = [](unsigned more) { return fmt::format("temporary/session-{}", ::getuid() + more); };
+    disk.makeFolder(name(0));
+    disk.makeFolder(name(0) + "-mine");
+    disk.makeFolder(name(1));
+    disk.makeFile(name(2));
+    disk.makeLink(name(3), home);
+    check({{PresetTarget{"temporary"}, fmt::format("{}, {}", kept, (disk / name(0)).native())}});
     const FixedDefaults defaults({});
-    EXPECT_EQ(outcome(PresetTarget{"temporary"}, resolver(defaults, ::getuid() + 1)), kept);
+    for (const unsigned more : {1U, 2U, 3U})
+        EXPECT_EQ(outcome(PresetTarget{"temporary"}, resolver(defaults, ::getuid() + more)), kept) << more;
 }
 
 TEST_F(TargetResolverTest, trustsOnlyFoldersThatNobodyElseCanChange) {

@@ -20,8 +20,13 @@ class NewestSink final : public EntrySink {
 public:
     explicit NewestSink(Date first) : newest(first) {}
     void entry(const FolderEntry& entry) override {
-        if (entry.error == 0 && entry.type == EntryType::folder) return folders.emplace_back(entry.name), void();
-        newest = std::max(newest, entry.error != 0 ? Date::distantFuture() : entry.modified);
+        if (entry.error != 0) {
+            newest = Date::distantFuture();
+        } else if (entry.type == EntryType::folder) {
+            folders.emplace_back(entry.name);  // it tells its own dates when it is opened
+        } else {
+            newest = std::max(newest, entry.modified);
+        }
     }
 
     Date newest;

@@ -10,7 +10,7 @@
 #include "rules/FullPath.h"
 #include "rules/PresetCatalog.h"
 #include "rules/RuleSentences.h"
-#include "rules/UserTempFolders.h"
+#include "rules/UserTempFolder.h"
 
 namespace vostrel {
 
@@ -79,19 +79,17 @@ TargetResolver::Roots TargetResolver::resolveSource(const PathSource& source) co
     };
     return visit(
         source, [&](const HomeSource& place) { return only(rootAt(home / place.path)); },
-        [&](const UserTempSource& place) { return resolveTemporaryFolders(place); },
+        [&](const UserTempSource& place) { return resolveTemporaryFolder(place); },
         [&](const XcodeDerivedDataSource&) { return only(resolveDerivedData()); },
         [&](const ScreenshotFolderSource&) { return only(resolveScreenshotFolder()); },
         [&](const HomeTrashSource&) { return only(homeTrash()); });
 }
 
-TargetResolver::Roots TargetResolver::resolveTemporaryFolders(const UserTempSource& source) const {
-    const auto folders = userTempFolders(user.tempBase, source.prefix, user.uid);
-    if (!folders) return refused(Kind::rootUnreadable, sentences::folderUnreadable);
-    std::vector<ResolvedRoot> roots;
-    for (const fs::path& folder : *folders)
-        roots.push_back(rootAt(folder));
-    return roots;
+TargetResolver::Roots TargetResolver::resolveTemporaryFolder(const UserTempSource& source) const {
+    const auto folder = userTempFolder(user.tempBase, source.prefix, user.uid);
+    if (!folder) return refused(Kind::rootUnreadable, sentences::folderUnreadable);
+    if (!*folder) return std::vector<ResolvedRoot>{};
+    return std::vector{rootAt(**folder)};
 }
 
 TargetResolver::Root TargetResolver::resolveScreenshotFolder() const {

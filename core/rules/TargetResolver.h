@@ -84,7 +84,7 @@ private:
     [[nodiscard]] Roots resolveFolder(const FolderTarget& target) const;
     [[nodiscard]] Roots resolveProjectScan(const ProjectScanTarget& target) const;
     [[nodiscard]] Roots resolveSource(const PathSource& source) const;
-    [[nodiscard]] Roots resolveTemporaryFolders(const UserTempSource& source) const;
+    [[nodiscard]] Roots resolveTemporaryFolder(const UserTempSource& source) const;
     [[nodiscard]] Root resolveScreenshotFolder() const;
     [[nodiscard]] Root chosenScreenshotFolder(const std::string& value) const;
     [[nodiscard]] Root resolveDerivedData() const;

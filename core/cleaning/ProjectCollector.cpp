@@ -93,14 +93,24 @@ void ProjectCollector::measure(const OpenedRoot& root, std::size_t rootIndex,
     // Reading a list that is only in the cloud would download it, and such a folder stays anyway.
     const bool isOrdinary = measured.trouble == MeasuredItem::Trouble::none && !measured.facts.containsExcluded &&
                             !measured.facts.containsDataless;
-    if (isOrdinary && !ArtifactRecognition(*planner.source, volume, [&] {
-                           return budget.isSpent();
-                       }).canBeMadeAgain(candidate.artifact.native(), candidate.kind))
-        measured.facts.containsExcluded = true;
+    if (isOrdinary) examine(candidate, volume, budget, measured);
     measured.parent = candidate.parent;
     soFar.files += measured.facts.fileCount;
     soFar.bytes += measured.facts.bytes;
     if (!isCancelled()) selection.takeBuildFolder(candidate.artifact, candidate.stamp(), std::move(measured));
+}
+
+void ProjectCollector::examine(const ProjectScanner::Candidate& candidate, const WalkVolume& volume,
+                               const WalkBudget& budget, MeasuredItem& measured) const {
+    ArtifactRecognition recognition(*planner.source, volume, [&] { return budget.isSpent(); });
+    if (recognition.canBeMadeAgain(candidate.artifact.native(), candidate.kind)) return;
+    if (budget.isSpent()) {
+        measured.trouble = MeasuredItem::Trouble::notMeasuredInTime;
+    } else if (recognition.trouble() == SkipReason::unreadable) {
+        measured.trouble = MeasuredItem::Trouble::couldNotRead;
+    } else {
+        measured.facts.containsExcluded = true;
+    }
 }
 
 }  // namespace vostrel

@@ -7,6 +7,7 @@
 #include "base/Date.h"
 #include "cleaning/CleanupPlanner.h"
 #include "filesystem/LinkSet.h"
+#include "filesystem/MeasuredItem.h"
 #include "rules/ProjectScanner.h"
 
 namespace vostrel {
@@ -28,6 +29,9 @@ private:
     void report(const OpenedRoot& root, ProjectScanner::Discovery& discovery);
     void measure(const OpenedRoot& root, std::size_t rootIndex, const ProjectScanner::Candidate& candidate,
                  const WalkBudget& budget);
+    /// Notes why a measured folder stays, if it holds more than the tool made.
+    void examine(const ProjectScanner::Candidate& candidate, const WalkVolume& volume, const WalkBudget& budget,
+                 MeasuredItem& measured) const;
     [[nodiscard]] bool isUntouched(const ProjectScanner::Candidate& candidate) const;
 
     const CleanupPlanner& planner;

@@ -13,41 +13,64 @@ using Marker = ArtifactMarker;
 using Signature = ArtifactSignature;
 using Names = std::vector<std::string>;
 
-const Names any{"*"};
-const Names none{};
-
-/// The systems that Cargo and Swift build for: "x86_64-unknown-linux-gnu".
-const Names triples{"aarch64-*",  "arm64-*",  "arm64e-*", "arm64_32-*", "armv*-*",  "i?86-*",   "loongarch64-*",
-                    "powerpc*-*", "riscv*-*", "s390x-*",  "thumbv*-*",  "wasm32-*", "wasm64-*", "x86_64-*"};
-
-Names triplesAnd(std::initializer_list<std::string> names) {
-    Names all = triples;
-    all.insert(all.end(), names);
+Names joined(std::initializer_list<Names> lists) {
+    Names all;
+    for (const Names& list : lists)
+        all.insert(all.end(), list.begin(), list.end());
     return all;
 }
 
-std::vector<Signature> triplesFolders() {
+/// Each of the folders with each of the paths below it.
+Names below(const Names& folders, const Names& paths) {
+    Names all;
+    for (const std::string& folder : folders) {
+        for (const std::string& path : paths)
+            all.push_back(folder + "/" + path);
+    }
+    return all;
+}
+
+std::vector<Signature> foldersOfSystems() {
     std::vector<Signature> folders;
-    for (const std::string& triple : triples)
-        folders.push_back(Signature::folderMatching(triple));
+    for (const std::string& name : ArtifactLayout::systems())
+        folders.push_back(Signature::folderMatching(name));
     return folders;
 }
 
-/// A pattern of so many hexadecimal digits.
-std::string digits(int count) {
+std::string repeated(std::string_view character, int count) {
     std::string pattern;
     while (count-- > 0)
-        pattern += "[0-9a-f]";
+        pattern += character;
     return pattern;
 }
 
-const Names repositories{".git", ".hg", ".svn", ".bzr", ".jj", "_darcs", ".fslckout"};
-
-Names repositoriesAnd(std::initializer_list<std::string> names) {
-    Names all = repositories;
-    all.insert(all.end(), names);
-    return all;
+std::string digits(int count) {
+    return repeated("[0-9a-f]", count);
 }
+
+// What a person makes and no tool of the table leaves anywhere, not even in a package.
+const Names documents{
+    "*.doc",     "*.docx", "*.docm",  "*.odt",   "*.ods",  "*.odp",      "*.odg",      "*.rtf",   "*.pages",
+    "*.numbers", "*.xls",  "*.xlsx",  "*.xlsm",  "*.ppt",  "*.pptx",     "*.tex",      "*.bib",   "*.epub",
+    "*.mobi",    "*.djvu", "*.scriv", "*.vsd",   "*.vsdx", "*.xmind",    "*.sketch",   "*.fig",   "*.xd",
+    "*.psd",     "*.ai",   "*.indd",  "*.xcf",   "*.kra",  "*.afphoto",  "*.afdesign", "*.blend", "*.stl",
+    "*.3mf",     "*.step", "*.dwg",   "*.dxf",   "*.skp",  "*.ipynb",    "*.pst",      "*.mbox",  "*.kdbx",
+    "*.kdb",     "*.heic", "*.heif",  "*.cr2",   "*.cr3",  "*.nef",      "*.arw",      "*.dng",   "*.orf",
+    "*.rw2",     "*.raf",  "*.mov",   "*.avi",   "*.mkv",  "*.m4v",      "*.mts",      "*.wmv",   "*.aiff",
+    "*.logicx",  "*.band", "*.als",   "*.dmg",   "*.iso",  "*.appimage", "*.ova",      "*.vmdk",  "*.qcow2",
+    "*.vdi",     "*.rar",  "*.bak",   "*.unity", "*.gpx",  "*.ipa",      "*.aab",      "*.msi",   "*.xcarchive"};
+
+// What packages and examples may bring along, but what compilers and bundlers do not make.
+const Names belongings = joined(
+    {documents,
+     {"*.pdf",       "*.csv",    "*.tsv",     "*.eml",      "*.ics",   "*.vcf",  "*.jpg",   "*.jpeg",  "*.tif",
+      "*.tiff",      "*.raw",    "*.mp3",     "*.m4a",      "*.wav",   "*.flac", "*.ogg",   "*.mp4",   "*.zip",
+      "*.7z",        "*.tar",    "*.tgz",     "*.tar.*",    "*.exe",   "*.msi",  "*.pkg",   "*.deb",   "*.rpm",
+      "mapping.txt", "*.sqlite", "*.sqlite3", "*.sqlitedb", "*.db",    "*.mdf",  "*.accdb", "*.dat",   "*.sav",
+      "*.sql",       "*.dump",   ".env",      ".env.*",     "*.env",   "*.pem",  "*.p12",   "*.pfx",   "*.keystore",
+      "*.jks",       "*.gpg",    "*.asc",     "*.sh",       "*.bash",  "*.zsh",  "*.fish",  "*.bat",   "*.ps1",
+      "*.py",        "*.rb",     "*.php",     "*.pl",       "*.lua",   "*.go",   "*.cs",    "*.scala", "*.clj",
+      "*.hs",        "*.tsx",    "*.jsx",     "*.svelte",   "*.astro", "*.scss", "*.sass",  "*.less",  "CNAME"}});
 
 std::vector<Marker> files(const Names& names) {
     std::vector<Marker> markers;
@@ -69,21 +92,156 @@ struct Row {
     const char* title;
     std::vector<Marker> markers;
     std::vector<ToolSignature> signatures;
-    Names neverHolds = repositories;
+    Names neverHolds = belongings;
 };
 
-// Each tool's row: its name, a further file beside, what its folder shows (any of them), and the names of the files and
-// of the folders that it puts directly inside.
+const Names nodePackages{"[!.]*/**", ".bin/*", ".cache/**", ".vite/**", ".vite-temp/**"};
+
+// Not the folders "doc", "package" and "criterion": what lies there need not come again.
+Names cargoFiles() {
+    const std::string hash = "*-" + digits(16);
+    const Names profile{".cargo-lock",
+                        ".cargo-artifact-lock",
+                        ".cargo-build-lock",
+                        "*.d",
+                        "PROGRAM",
+                        ".fingerprint/" + hash + "/**",
+                        "build/" + hash + "/**",
+                        "deps/" + hash,
+                        "deps/" + hash + ".*",
+                        "examples/*.d",
+                        "examples/PROGRAM",
+                        "examples/" + hash,
+                        "examples/" + hash + ".*",
+                        "incremental/*-*/s-*-*/**",
+                        "incremental/*-*/s-*-*.lock"};
+    return joined(
+        {{"CACHEDIR.TAG", ".rustc_info.json", ".rustdoc_fingerprint.json", ".future-incompat-report.json", "tmp/"},
+         below({"debug", "release", "SYSTEM/debug", "SYSTEM/release"}, profile),
+         {"SYSTEM/CACHEDIR.TAG"}});
+}
+
+const Names mavenFiles{"*-[0-9]*.jar",
+                       "*-[0-9]*.war",
+                       "*-[0-9]*.jar.original",
+                       "*-[0-9]*.war.original",
+                       "classes/**/*.class",
+                       "classes/**/*.properties",
+                       "classes/**/*.xml",
+                       "classes/**/*.yml",
+                       "classes/**/*.yaml",
+                       "classes/META-INF/**",
+                       "test-classes/**/*.class",
+                       "test-classes/**/*.properties",
+                       "test-classes/**/*.xml",
+                       "test-classes/**/*.yml",
+                       "generated-sources/annotations/**",
+                       "generated-test-sources/test-annotations/**",
+                       "maven-archiver/pom.properties",
+                       "maven-status/maven-compiler-plugin/**/*.lst",
+                       "surefire-reports/TEST-*.xml",
+                       "surefire-reports/*.*.txt",
+                       "failsafe-reports/TEST-*.xml",
+                       "failsafe-reports/failsafe-summary.xml"};
+
+// Not what is released from it: "distributions", "install", "publications", signed packages and their mappings. Nor
+// folders with names that people like, unless the tool's own files are known: "docs", "reports", "scripts".
+const Names gradleFiles{"classes/**/*.class",
+                        "classes/*/*/META-INF/*.kotlin_module",
+                        "generated/ap_generated_sources/**",
+                        "generated/res/**",
+                        "generated/source/**",
+                        "generated/sources/**",
+                        "intermediates/**",
+                        "jacoco/*.exec",
+                        "kotlin/compile*Kotlin*/**",
+                        "kspCaches/**",
+                        "libs/*.jar",
+                        "outputs/apk/debug/*-debug.apk",
+                        "outputs/apk/debug/output-metadata.json",
+                        "outputs/logs/manifest-merger-*-report.txt",
+                        "reports/problems/problems-report.html",
+                        "reports/tests/**/*.css",
+                        "reports/tests/**/*.html",
+                        "reports/tests/**/*.js",
+                        "resources/main/**",
+                        "resources/test/**",
+                        "test-results/**/*.bin",
+                        "test-results/**/*.xml",
+                        "tmp/*ar/MANIFEST.MF",
+                        "tmp/compile*/**",
+                        "tmp/kapt3/**",
+                        "tmp/kotlin-classes/**"};
+
+const Names gradleCacheFiles =
+    joined({{"file-system.probe", "buildOutputCleanup/buildOutputCleanup.lock", "buildOutputCleanup/cache.properties",
+             "buildOutputCleanup/outputFiles.bin", "checksums/checksums.lock", "checksums/*-checksums.bin",
+             "vcs-1/gc.properties", "noVersion/buildLogic.lock", "kotlin/sessions/", "kotlin/errors/"},
+            below({"[0-9].[0-9]", "[0-9].[0-9].[0-9]", "[0-9].[0-9][0-9]", "[0-9].[0-9][0-9].[0-9]"},
+                  {"gc.properties", "checksums/checksums.lock", "checksums/*-checksums.bin",
+                   "dependencies-accessors/gc.properties", "dependencies-accessors/dependencies-accessors.lock",
+                   "dependencies-accessors/executionHistory.bin", "executionHistory/executionHistory.bin",
+                   "executionHistory/executionHistory.lock", "expanded/expanded.lock", "fileChanges/last-build.bin",
+                   "fileContent/fileContent.lock", "fileHashes/fileHashes.bin", "fileHashes/fileHashes.lock",
+                   "fileHashes/resourceHashesCache.bin", "javaCompile/*.bin", "javaCompile/javaCompile.lock",
+                   "vcsMetadata/"})});
+
+const Names swiftFiles{
+    "workspace-state.json", ".lock",          "debug",        "release",      "debug.yaml",       "release.yaml",
+    "plugin-tools.yaml",    "build.db",       "build.db-shm", "build.db-wal", "manifest.db",      "artifacts/**",
+    "checkouts/***",        "index-build/**", "plugins/**",   "prebuilts/**", "repositories/***", "SYSTEM/debug/**",
+    "SYSTEM/release/**"};
+
+// A project's folder ends in 28 letters.
+Names derivedDataFiles() {
+    const Names project{"info.plist",
+                        "Build/Intermediates.noindex/**",
+                        "Build/Products/**",
+                        "Index/**",
+                        "Index.noindex/**",
+                        "Logs/**",
+                        "OpenQuickly-ReferencedFrameworks.noindex/**",
+                        "SourcePackages/***",
+                        "TextIndex/**"};
+    return joined({project,
+                   below({"*-" + repeated("[a-z]", 28)}, project),
+                   {"CompilationCache.noindex/**", "ModuleCache/**", "ModuleCache.noindex/**",
+                    "SDKStatCaches.noindex/**", "SymbolCache.noindex/**"}});
+}
+
+// What stands in no package's own list.
+Names environmentFiles() {
+    return joined({{"pyvenv.cfg", ".gitignore", "CACHEDIR.TAG", ".lock", "lib64", "include/"},
+                   below({"bin"}, {"python", "python3", "python3.[0-9]", "python3.[0-9][0-9]", "pip", "pip3",
+                                   "pip3.[0-9]", "pip3.[0-9][0-9]", "pip-3.[0-9]", "pip-3.[0-9][0-9]", "activate",
+                                   "activate.bat", "activate.csh", "activate.fish", "activate.nu", "activate.ps1",
+                                   "activate_this.py", "deactivate.bat", "pydoc.bat"}),
+                   below({"lib/python3.[0-9]/site-packages", "lib/python3.[0-9][0-9]/site-packages"},
+                         {"_virtualenv.pth", "_virtualenv.py", "distutils-precedence.pth", "**/__pycache__/*.pyc"})});
+}
+
+const Names hashedBundles{"*-HASH.css", "*-HASH.css.map", "*-HASH.js", "*-HASH.js.map", "*-HASH.woff", "*-HASH.woff2"};
+
+// Each tool's row: its name, a further file beside, what its folder shows (any of them), and where its files lie.
 std::vector<Row> rows() {
     return {
+        // Every package must stand in the manager's own list as well.
         {.kind = ArtifactKind::nodeModules,
          .title = "Node packages",
          .markers = files({"package.json"}),
          .signatures =
-             {{"npm", {}, {Signature::file(".package-lock.json")}, {".*"}, any},
-              {"Yarn", {}, {Signature::file(".yarn-integrity"), Signature::file(".yarn-state.yml")}, {".*"}, any},
-              {"pnpm", {}, {Signature::file(".modules.yaml")}, {".*"}, any},
-              {"a package manager", {}, {Signature::folderOfLinks(".bin")}, {".*"}, any}}},
+             {{"npm", {}, {Signature::file(".package-lock.json")}, joined({nodePackages, {".package-lock.json"}})},
+              {"Yarn",
+               {},
+               {Signature::file(".yarn-integrity"), Signature::file(".yarn-state.yml")},
+               joined({nodePackages, {".yarn-integrity", ".yarn-state.yml"}})},
+              {"pnpm",
+               {},
+               {Signature::file(".modules.yaml")},
+               joined({nodePackages,
+                       {".modules.yaml", ".pnpm-workspace-state.json", ".pnpm-workspace-state-v1.json",
+                        ".pnpm/lock.yaml", ".pnpm/*/**"}})}},
+         .neverHolds = documents},
 
         {.kind = ArtifactKind::nextBuild,
          .title = "Next.js build",
@@ -93,9 +251,26 @@ std::vector<Row> rows() {
                          {Signature::allOf({Signature::file("BUILD_ID"), Signature::file("build-manifest.json")}),
                           Signature::allOf({Signature::file("build-manifest.json"), Signature::folder("server"),
                                             Signature::folder("static")})},
-                         {"BUILD_ID", "*.json", "*.js", "*.js.map", "trace", "trace-build", "turbopack", "lock"},
-                         any}},
-         .neverHolds = repositoriesAnd({"*.tsx", "*.jsx"})},
+                         {"BUILD_ID",
+                          "*-manifest.json",
+                          "*-manifest.js",
+                          "export-detail.json",
+                          "export-marker.json",
+                          "next-minimal-server.js.nft.json",
+                          "next-server.js.nft.json",
+                          "package.json",
+                          "required-server-files.js",
+                          "required-server-files.json",
+                          "trace",
+                          "trace-build",
+                          "turbopack",
+                          "lock",
+                          "build/**",
+                          "cache/**",
+                          "diagnostics/**",
+                          "server/**",
+                          "static/**",
+                          "types/**"}}}},
 
         {.kind = ArtifactKind::nuxtBuild,
          .title = "Nuxt build",
@@ -105,19 +280,51 @@ std::vector<Row> rows() {
                          {Signature::allOf({Signature::file("nuxt.d.ts"), Signature::file("tsconfig.json")}),
                           Signature::allOf({Signature::file("App.js"), Signature::file("client.js"),
                                             Signature::file("router.js"), Signature::file("server.js")})},
-                         {"*.d.ts", "*.json", "*.js", "*.cjs", "*.mjs", "*.css", "*.html"},
-                         any}}},
+                         {"*.d.ts",
+                          "app.config.mjs",
+                          "nitro.json",
+                          "nuxt.json",
+                          "tsconfig.json",
+                          "tsconfig.app.json",
+                          "tsconfig.node.json",
+                          "tsconfig.server.json",
+                          "tsconfig.shared.json",
+                          "App.js",
+                          "axios.js",
+                          "client.js",
+                          "empty.js",
+                          "index.js",
+                          "jsonp.js",
+                          "loading.html",
+                          "middleware.js",
+                          "router.js",
+                          "router.scrollBehavior.js",
+                          "routes.json",
+                          "server.js",
+                          "store.js",
+                          "utils.js",
+                          "components/*.js",
+                          "components/nuxt-*.vue",
+                          "dev/**",
+                          "dist/**",
+                          "manifest/**/*.json",
+                          "mixins/fetch.*.js",
+                          "schema/nuxt.schema.*",
+                          "types/**/*.d.ts",
+                          "views/app.template.html",
+                          "views/error.html"}}}},
 
-        // Its config.json and the like are settings; a folder with one stays.
+        // Its config.json and the like are settings; a folder with one stays. Logs alone are no proof.
         {.kind = ArtifactKind::turboCache,
          .title = "Turborepo cache",
          .markers = files({"turbo.json", "package.json"}),
          .signatures = {{"Turborepo",
                          {},
-                         {Signature::inside("cache", Signature::fileMatching(digits(16) + ".tar.zst")),
-                          Signature::onlyFilesMatching("turbo-*.log")},
-                         {"turbo-*.log"},
-                         {"cache", "cookies", "daemon", "runs"}}}},
+                         {Signature::inside("cache", Signature::fileMatching(digits(16) + ".tar.zst"))},
+                         {"turbo-build.log", "turbo-dev.log", "turbo-lint.log", "turbo-test.log",
+                          "cache/" + digits(16) + ".tar.zst", "cache/" + digits(16) + "-meta.json",
+                          "cookies/[0-9]*.cookie", "daemon/" + digits(16) + "-turbo.log.*"}}},
+         .neverHolds = documents},
 
         {.kind = ArtifactKind::parcelCache,
          .title = "Parcel cache",
@@ -125,38 +332,35 @@ std::vector<Row> rows() {
          .signatures = {{"Parcel",
                          {},
                          {Signature::allOf({Signature::file("data.mdb"), Signature::file("lock.mdb")})},
-                         {"data.mdb", "lock.mdb", "snapshot-*.txt", "*AssetGraph*", "*BundleGraph*", "*RequestGraph*",
-                          digits(16), digits(16) + "-*"},
-                         {digits(2)}}}},
+                         {"data.mdb", "lock.mdb", "snapshot-" + digits(16) + ".txt", digits(16),
+                          digits(16) + "-AssetGraph-[0-9]", digits(16) + "-BundleGraph-[0-9]",
+                          digits(16) + "-RequestGraph-[0-9]", digits(16) + "-AssetGraph", digits(16) + "-BundleGraph",
+                          digits(16) + "-RequestGraph"}}}},
 
-        // Only of tools that empty the folder themselves before they fill it. Others leave nothing that is certain.
+        // None of these is sure to empty the folder before it fills it, and a project's own public files are copied
+        // there, so only what lies in exactly the layout of a bundle is one.
         {.kind = ArtifactKind::dist,
          .title = "Web bundle",
          .markers = {Marker::fileMatching("vite.config.*"), Marker::file("angular.json"),
                      Marker::fileMatching("astro.config.*")},
-         .signatures = {{"Vite",
-                         Marker::fileMatching("vite.config.*"),
-                         {Signature::inside(".vite", Signature::file("manifest.json")),
-                          Signature::allOf(
-                              {Signature::file("index.html"),
-                               Signature::inside("assets",
-                                                 Signature::allOf({Signature::fileMatching("index-????????.js"),
-                                                                   Signature::onlyFilesMatching("*-????????.*")}))})},
-                         any,
-                         any},
-                        {"Angular",
-                         Marker::file("angular.json"),
-                         {Signature::file("3rdpartylicenses.txt"),
-                          Signature::inside("*", Signature::file("3rdpartylicenses.txt"))},
-                         any,
-                         any},
-                        {"Astro",
-                         Marker::fileMatching("astro.config.*"),
-                         {Signature::inside("_astro", Signature::onlyFilesMatching("*.????????.*"))},
-                         any,
-                         any}},
-         .neverHolds = repositoriesAnd({"package.json", "*.ts", "*.tsx", "*.jsx", "*.vue", "*.svelte", "*.astro",
-                                        "*.scss", "*.sass", "*.less", "*.psd", "*.sketch", "*.fig", "*.ai"})},
+         .signatures =
+             {{"Vite",
+               Marker::fileMatching("vite.config.*"),
+               {Signature::allOf({Signature::file("index.html"),
+                                  Signature::inside("assets", Signature::fileMatching("index-????????.js"))})},
+               joined({{"index.html", "vite.svg", ".vite/manifest.json"}, below({"assets"}, hashedBundles)})},
+              {"Angular",
+               Marker::file("angular.json"),
+               {Signature::inside(
+                   "*", Signature::allOf({Signature::file("3rdpartylicenses.txt"),
+                                          Signature::inside("browser", Signature::fileMatching("main-????????.js"))}))},
+               joined({below({"*"}, {"3rdpartylicenses.txt", "prerendered-routes.json", "browser/index.html",
+                                     "browser/index.csr.html", "browser/favicon.ico"}),
+                       below({"*/browser"}, hashedBundles)})},
+              {"Astro",
+               Marker::fileMatching("astro.config.*"),
+               {Signature::allOf({Signature::file("index.html"), Signature::folder("_astro")})},
+               {"index.html", "404.html", "_astro/*.HASH.css", "_astro/*.HASH.js"}}}},
 
         {.kind = ArtifactKind::target,
          .title = "Cargo or Maven build",
@@ -164,21 +368,14 @@ std::vector<Row> rows() {
          .signatures = {{"Cargo",
                          Marker::file("Cargo.toml"),
                          {Signature::allOf({Signature::file("CACHEDIR.TAG"), Signature::file(".rustc_info.json")})},
-                         {"CACHEDIR.TAG", ".rustc_info.json", ".rustdoc_fingerprint.json", ".cargo-lock",
-                          ".future-incompat-report.json"},
-                         triplesAnd({"debug", "release", "build", "doc", "tmp", "package", "criterion", "nextest",
-                                     "flycheck*", "rust-analyzer"})},
+                         cargoFiles()},
                         {"Maven",
                          Marker::file("pom.xml"),
                          {Signature::inside("maven-archiver", Signature::file("pom.properties")),
                           Signature::inside("maven-status", Signature::folder("maven-compiler-plugin"))},
-                         {"*.jar", "*.war", "*.ear", "*.jar.original", "*.war.original", "jacoco.exec"},
-                         {"classes", "test-classes", "generated-sources", "generated-test-sources", "maven-archiver",
-                          "maven-status", "surefire-reports", "surefire", "failsafe-reports", "site", "apidocs",
-                          "reports", "antrun", "javadoc-bundle-options"}}},
-         .neverHolds = repositoriesAnd({"Cargo.toml", "pom.xml"})},
+                         mavenFiles}},
+         .neverHolds = joined({belongings, {"Cargo.toml", "pom.xml"}})},
 
-        // It holds clones of what it depends on, so a repository inside tells nothing.
         {.kind = ArtifactKind::swiftBuild,
          .title = "Swift package build",
          .markers = files({"Package.swift"}),
@@ -187,13 +384,11 @@ std::vector<Row> rows() {
                          {Signature::allOf(
                              {Signature::file("workspace-state.json"),
                               Signature::anyOf({Signature::folder("checkouts"), Signature::folder("repositories"),
-                                                Signature::anyOf(triplesFolders())})})},
-                         {"workspace-state.json", ".lock", "debug.yaml", "release.yaml", "plugin-tools.yaml",
-                          "build.db*", "manifest.db*"},
-                         triplesAnd({"artifacts", "checkouts", "index-build", "plugins", "prebuilts", "repositories",
-                                     "debug", "release"})}},
-         .neverHolds = none},
+                                                Signature::anyOf(foldersOfSystems())})})},
+                         swiftFiles}},
+         .neverHolds = documents},
 
+        // Every pod must stand in the manifest as well.
         {.kind = ArtifactKind::pods,
          .title = "CocoaPods pods",
          .markers = files({"Podfile"}),
@@ -201,8 +396,8 @@ std::vector<Row> rows() {
                          Marker::file("Podfile.lock"),
                          {Signature::allOf({Signature::file("Manifest.lock"), Signature::folder("Pods.xcodeproj"),
                                             Signature::folder("Target Support Files")})},
-                         {"Manifest.lock"},
-                         any}}},
+                         {"Manifest.lock", "*/**"}}},
+         .neverHolds = documents},
 
         {.kind = ArtifactKind::gradleBuild,
          .title = "Gradle build",
@@ -213,15 +408,10 @@ std::vector<Row> rows() {
                               "tmp", Signature::inside("compile*", Signature::file("previous-compilation-data.bin"))),
                           Signature::inside("tmp", Signature::inside("jar", Signature::file("MANIFEST.MF"))),
                           Signature::inside("kotlin", Signature::inside("compile*", Signature::folder("local-state"))),
-                          Signature::inside("reports",
-                                            Signature::inside("problems", Signature::file("problems-report.html"))),
                           Signature::inside("outputs", Signature::inside("logs", Signature::fileMatching(
                                                                                      "manifest-merger-*-report.txt")))},
-                         none,
-                         {"classes", "distributions", "docs", "generated", "install", "intermediates", "jacoco",
-                          "kotlin", "kspCaches", "libs", "outputs", "publications", "reports", "resources",
-                          "scripts", "snapshot", "test-results", "tmp", "extracted-include-protos"}}},
-         .neverHolds = repositoriesAnd({"build.gradle", "build.gradle.kts", "settings.gradle", "settings.gradle.kts"})},
+                         gradleFiles}},
+         .neverHolds = joined({belongings, gradleScripts})},
 
         // Settings that lie in such a folder (gradle.properties, config.properties) make it stay.
         {.kind = ArtifactKind::gradleCache,
@@ -230,17 +420,20 @@ std::vector<Row> rows() {
          .signatures = {{"Gradle",
                          {},
                          {Signature::inside("buildOutputCleanup", Signature::file("cache.properties")),
-                          Signature::inside("[0-9]*", Signature::allOf({Signature::folder("fileHashes"),
-                                                                        Signature::file("gc.properties")}))},
-                         {"file-system.probe"},
-                         {"[0-9]*", "buildOutputCleanup", "checksums", "configuration-cache", "expanded", "kotlin",
-                          "nb-cache", "noVersion", "vcs-1"}}},
-         .neverHolds = repositoriesAnd({"gradle.properties", "init.gradle", "init.gradle.kts"})},
+                          Signature::inside("[0-9].*", Signature::allOf({Signature::folder("fileHashes"),
+                                                                         Signature::file("gc.properties")}))},
+                         gradleCacheFiles}}},
 
+        // The source of each must lie beside the folder as well.
         {.kind = ArtifactKind::pycache,
          .title = "Python bytecode",
          .markers = {Marker::fileMatching("*.py")},
-         .signatures = {{"Python", {}, {Signature::onlyFilesMatching("*.*.pyc")}, any, none}}},
+         .signatures = {{"Python",
+                         {},
+                         {Signature::onlyFilesMatching("*.cpython-3*.pyc")},
+                         {"*.cpython-3[0-9].pyc", "*.cpython-3[0-9][0-9].pyc", "*.cpython-3[0-9].opt-[12].pyc",
+                          "*.cpython-3[0-9][0-9].opt-[12].pyc", "*.cpython-3[0-9]-pytest-[0-9].[0-9].[0-9].pyc",
+                          "*.cpython-3[0-9][0-9]-pytest-[0-9].[0-9].[0-9].pyc"}}}},
 
         {.kind = ArtifactKind::pytestCache,
          .title = "pytest cache",
@@ -249,10 +442,10 @@ std::vector<Row> rows() {
                          {},
                          {Signature::allOf({Signature::file("CACHEDIR.TAG"), Signature::file("README.md"),
                                             Signature::inside("v", Signature::folder("cache"))})},
-                         {"CACHEDIR.TAG", "README.md", ".gitignore"},
-                         {"v", "d"}}}},
+                         {"CACHEDIR.TAG", "README.md", ".gitignore", "v/cache/lastfailed", "v/cache/nodeids",
+                          "v/cache/stepwise"}}}},
 
-        // Editable packages lie in "src"; with it the folder stays.
+        // Everything else in it must stand in the list of an installed package.
         {.kind = ArtifactKind::venv,
          .title = "Python environment",
          .markers = files(pythonProjectFiles()),
@@ -261,10 +454,9 @@ std::vector<Row> rows() {
                          {Signature::allOf({Signature::file("pyvenv.cfg"),
                                             Signature::inside("bin", Signature::fileMatching("activate*")),
                                             Signature::inside("lib", Signature::folderMatching("python*"))})},
-                         {"pyvenv.cfg", ".gitignore", "CACHEDIR.TAG", ".lock"},
-                         {"bin", "include", "lib", "lib64", "share"}}}},
+                         environmentFiles()}},
+         .neverHolds = documents},
 
-        // It holds clones of the packages that a project depends on.
         {.kind = ArtifactKind::xcodeDerivedData,
          .title = "Xcode DerivedData",
          .markers = {Marker::fileMatching("*.xcodeproj"), Marker::fileMatching("*.xcworkspace"),
@@ -273,12 +465,9 @@ std::vector<Row> rows() {
                          {},
                          {Signature::allOf(
                               {Signature::file("info.plist"), Signature::folder("Build"), Signature::folder("Logs")}),
-                          Signature::inside("*-????????????????????????????", Signature::file("info.plist"))},
-                         {"info.plist"},
-                         {"Build", "Index", "Index.noindex", "Logs", "SourcePackages", "TextIndex", "ModuleCache",
-                          "ModuleCache.noindex", "CompilationCache.noindex", "SDKStatCaches.noindex",
-                          "SymbolCache.noindex", "*-????????????????????????????"}}},
-         .neverHolds = none},
+                          Signature::inside("*-" + repeated("[a-z]", 28), Signature::file("info.plist"))},
+                         derivedDataFiles()}},
+         .neverHolds = documents},
     };
 }
 
@@ -304,11 +493,6 @@ private:
     std::vector<Marker> markers;
 };
 
-std::optional<Glob::Patterns> patternsOf(const Names& names) {
-    if (names == any) return std::nullopt;
-    return Glob::Patterns::compile(names).value_or(Glob::Patterns());
-}
-
 struct Table {
     std::vector<ArtifactFacts> facts;
     KnownMarkers markers;
@@ -331,7 +515,7 @@ struct Table {
             made.markerBits |= markers.add(marker);
         for (const ToolSignature& signature : row.signatures) {
             made.tools.push_back({signature.marker ? markers.add(*signature.marker) : ArtifactMarkers(),
-                                  patternsOf(signature.ownFiles), patternsOf(signature.ownFolders)});
+                                  ArtifactLayout::compile(signature.own)});
         }
         made.markers = std::move(row.markers);
         made.signatures = std::move(row.signatures);
@@ -365,7 +549,9 @@ std::string ArtifactFacts::definition() const {
         text += "; " + signature.tool;
         if (signature.marker) text += " " + signature.marker->location();
         text += ": " + Signature::anyOf(signature.anyOf).description();
-        text += ", files " + listed(signature.ownFiles) + ", folders " + listed(signature.ownFolders);
+        text += ", files " + listed(signature.own);
+        if (std::ranges::any_of(signature.own, [](const auto& line) { return line.starts_with("SYSTEM/"); }))
+            text += ", systems " + listed(ArtifactLayout::systems());
     }
     return text + "; never " + listed(neverHolds);
 }

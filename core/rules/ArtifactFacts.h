@@ -8,6 +8,7 @@
 
 #include "base/Glob.h"
 #include "rules/ArtifactKind.h"
+#include "rules/ArtifactLayout.h"
 #include "rules/ArtifactSignature.h"
 
 namespace vostrel {
@@ -28,7 +29,7 @@ struct ArtifactFacts {
     std::vector<ArtifactMarker> markers;
     /// One of them must hold.
     std::vector<ToolSignature> signatures;
-    /// Patterns of names that no tool leaves in the folder at any depth: a repository, sources. With one inside, the
+    /// Patterns of names that no tool leaves in the folder at any depth: a document, sources. With one inside, the
     /// folder is a person's.
     std::vector<std::string> neverHolds;
 
@@ -36,10 +37,9 @@ struct ArtifactFacts {
     ArtifactMarkers markerBits;
     struct Tool {
         ArtifactMarkers markerBits;  ///< of the marker that it wants as well
-        std::optional<Glob::Patterns> ownFiles;
-        std::optional<Glob::Patterns> ownFolders;
+        ArtifactLayout own;
     };
-    /// Beside `signatures`; names without patterns may be any.
+    /// Beside `signatures`.
     std::vector<Tool> tools;
     Glob::Patterns persons;
 

@@ -5,12 +5,17 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <filesystem>
 #include <memory>
 #include <set>
+#include <span>
+#include <sstream>
 #include <utility>
 #include <vector>
 
 #include "platform/OwnedDescriptor.h"
+#include "stores/JSONCoding.h"
 
 namespace vostrel {
 
@@ -18,20 +23,25 @@ namespace {
 
 using Form = ArtifactSignature::Form;
 
-/// No signature needs more names, and their memory has an end.
-constexpr std::size_t mostNames = 20'000;
+/// No tool puts more files into one folder, and their memory has an end.
+constexpr std::size_t mostNames = 200'000;
 
-// Lists of packages are a few million bytes at most; of a longer one only this is read, and the rest is in no list.
+// Lists of packages are a few million bytes at most.
 constexpr std::size_t longestList = 64U << 20U;
 
-/// So many bytes of a file, or what could be read of them. Follows no link.
-std::string beginningOf(const std::string& file, std::size_t most) {
+// Deeper than any tool nests.
+constexpr std::size_t deepest = 100;
+
+/// So many bytes of a file, or all; nothing when it could not be read. Follows no link.
+std::optional<std::string> beginningOf(const std::string& file, std::size_t most) {
     const OwnedDescriptor opened(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!opened.isOpen()) return std::nullopt;
     std::string text;
     std::array<char, 65'536> piece{};
-    while (opened.isOpen() && text.size() < most) {
+    while (text.size() < most) {
         const auto got = ::read(opened.get(), piece.data(), std::min(piece.size(), most - text.size()));
-        if (got <= 0) break;
+        if (got < 0) return std::nullopt;
+        if (got == 0) break;
         text.append(piece.data(), static_cast<std::size_t>(got));
     }
     return text;
@@ -44,6 +54,15 @@ std::set<std::string> namesAfter(std::string_view before, char after, std::strin
         names.emplace(text.substr(at, std::min(text.find(after, at), text.size()) - at));
     }
     return names;
+}
+
+/// The members of an object inside a JSON text; none when it is none.
+std::vector<JSONMember> membersOf(const std::string& text, std::string_view key) {
+    const auto document = JSONCoding::decoder().decode(text);
+    const auto* object = document ? document->as<JSONObject>() : nullptr;
+    const JSONValue* value = object != nullptr ? object->find(key) : nullptr;
+    const auto* inner = value != nullptr ? value->as<JSONObject>() : nullptr;
+    return inner != nullptr ? inner->members() : std::vector<JSONMember>();
 }
 
 bool leavesNoTrace(std::string_view name) {
@@ -69,15 +88,21 @@ public:
     void clear() override { *this = {}; }
 
     /// Whether every name is one that the tool gives.
-    [[nodiscard]] bool holdsOnly(const ArtifactFacts::Tool& tool) const {
-        const auto isOf = [](const std::optional<Glob::Patterns>& own) {
-            return [&own](const std::string& name) { return !own || own->matchesAny(name); };
+    [[nodiscard]] bool holdsOnly(const ArtifactLayout& own) const {
+        const auto isOwn = [&](const std::string& name) { return own.holdsFile(std::span(&name, 1), files); };
+        return !holdsOther && std::ranges::all_of(files, isOwn) &&
+               std::ranges::all_of(folders, [&](const std::string& name) { return own.holdsFolder(name); }) &&
+               std::ranges::all_of(links,
+                                   [&](const std::string& name) { return isOwn(name) || own.holdsFolder(name); });
+    }
+    /// One with files checked out, or a bare one.
+    [[nodiscard]] bool isRepository() const {
+        constexpr std::array<std::string_view, 7> marks{".git", ".hg", ".svn", ".bzr", ".jj", "_darcs", ".fslckout"};
+        const auto holds = [&](std::string_view name) {
+            return std::ranges::find(folders, name) != folders.end() || std::ranges::find(files, name) != files.end() ||
+                   std::ranges::find(links, name) != links.end();
         };
-        const auto isOwn = [&](const std::string& name) {
-            return isOf(tool.ownFiles)(name) || isOf(tool.ownFolders)(name);
-        };
-        return !holdsOther && std::ranges::all_of(files, isOf(tool.ownFiles)) &&
-               std::ranges::all_of(folders, isOf(tool.ownFolders)) && std::ranges::all_of(links, isOwn);
+        return std::ranges::any_of(marks, holds) || (holds("HEAD") && holds("objects") && holds("refs"));
     }
 
     std::string path;
@@ -93,8 +118,20 @@ ArtifactRecognition::ArtifactRecognition(FolderSource& from, std::optional<WalkV
                                          std::function<bool()> stopTest)
     : source(from), reader(from, ListingDetail::sizes), volume(onVolume), mustStop(std::move(stopTest)) {}
 
+/// The packages that a manager has noted down: where each lies ("node_modules/a/node_modules/b"), or merely what they
+/// are called.
+struct ArtifactRecognition::PackageList {
+    std::set<std::string> places;
+    std::set<std::string> names;
+
+    [[nodiscard]] bool holds(const std::string& place, const std::string& name) const {
+        return places.contains(place) || names.contains(name);
+    }
+};
+
 std::optional<FileIdentity> ArtifactRecognition::recognise(const std::string& folder, ArtifactKind kind,
                                                            const ArtifactMarkers& beside) {
+    troubled.reset();
     const ArtifactFacts& facts = factsOf(kind);
     if ((facts.markerBits & beside).none()) return std::nullopt;
     const auto content = contentOf(folder);
@@ -102,7 +139,7 @@ std::optional<FileIdentity> ArtifactRecognition::recognise(const std::string& fo
     for (std::size_t at = 0; at < facts.tools.size(); ++at) {
         const ArtifactFacts::Tool& tool = facts.tools[at];
         const bool isMarked = (tool.markerBits & ~beside).none();
-        if (isMarked && content->holdsOnly(tool) &&
+        if (isMarked && content->holdsOnly(tool.own) &&
             std::ranges::any_of(facts.signatures[at].anyOf,
                                 [&](const auto& signature) { return shows(*content, signature); })) {
             return content->identity;
@@ -112,33 +149,123 @@ std::optional<FileIdentity> ArtifactRecognition::recognise(const std::string& fo
 }
 
 bool ArtifactRecognition::canBeMadeAgain(const std::string& folder, ArtifactKind kind) {
+    troubled.reset();
+    std::set<std::string> listed;
+    if (kind == ArtifactKind::venv) listed = installedFiles(folder);
+    std::vector<std::string> path;
+    const auto& tools = factsOf(kind).tools;
+    if (std::ranges::none_of(tools, [&](const auto& tool) { return holdsOnly(tool.own, listed, folder, path); }))
+        return false;
     if (kind == ArtifactKind::pycache) return holdsCompiledSources(folder);
     if (kind == ArtifactKind::pods) return holdsPods(folder);
-    if (kind != ArtifactKind::nodeModules) return true;
-    const std::string list = folder + "/.package-lock.json";
-    std::optional<std::set<std::string>> installed;
-    if (isFile(list)) installed = namesAfter("\"node_modules/", '"', beginningOf(list, longestList));
-    return holdsPackages(folder, {}, installed);
+    return kind != ArtifactKind::nodeModules || holdsListedPackages(folder);
+}
+
+/// Whether every file lies where the tool's own lie, or is listed.
+bool ArtifactRecognition::holdsOnly(const ArtifactLayout& own, const std::set<std::string>& listed,
+                                    const std::string& folder, std::vector<std::string>& path) {
+    const auto content = contentOf(folder);
+    if (!content || content->holdsOther || path.size() > deepest) return false;
+    if (content->isRepository() && !own.holdsRepository(path)) return false;
+    std::string place;
+    for (const std::string& name : path)
+        place += name + "/";
+    const auto holds = [&](const std::string& name, auto test) {
+        path.push_back(name);
+        const bool answer = test();
+        path.pop_back();
+        return answer;
+    };
+    const auto isOwn = [&](const std::string& name) {
+        return holds(name, [&] { return listed.contains(place + name) || own.holdsFile(path, content->files); });
+    };
+    const auto isOwnLink = [&](const std::string& name) {  // to a package that lies elsewhere, say
+        return isOwn(name) || (path.empty() && own.holdsFolder(name));
+    };
+    return std::ranges::all_of(content->files, isOwn) && std::ranges::all_of(content->links, isOwnLink) &&
+           std::ranges::all_of(content->folders, [&](const std::string& name) {
+               return holds(name, [&] { return holdsOnly(own, listed, folder + "/" + name, path); });
+           });
+}
+
+bool ArtifactRecognition::holdsListedPackages(const std::string& folder) {
+    PackageList installed;
+    if (isFile(folder + "/.package-lock.json")) {
+        for (const auto& [place, entry] : membersOf(textOf(folder + "/.package-lock.json").value_or(""), "packages")) {
+            const auto* facts = entry.as<JSONObject>();
+            if (facts != nullptr && facts->find("extraneous") == nullptr) installed.places.insert(place);
+        }
+    } else if (isFile(folder + "/.yarn-integrity")) {
+        // "left-pad@^1.0.0", "@scope/name@1.0.0"
+        for (const auto& [pattern, origin] :
+             membersOf(textOf(folder + "/.yarn-integrity").value_or(""), "lockfileEntries"))
+            installed.names.insert(pattern.substr(0, pattern.find('@', 1)));
+    } else if (isFile(folder + "/.yarn-state.yml")) {
+        installed.places = namesAfter("    - \"", '"', textOf(folder + "/.yarn-state.yml").value_or(""));
+    } else {
+        return holdsStoredPackages(folder);
+    }
+    return holdsPackages(folder, "node_modules/", installed);
 }
 
 /// Folders with a dot are the package manager's own; those with an "@" hold packages in turn.
-bool ArtifactRecognition::holdsPackages(const std::string& folder, const std::string& scope,
-                                        const std::optional<std::set<std::string>>& installed) {
+bool ArtifactRecognition::holdsPackages(const std::string& folder, const std::string& place,
+                                        const PackageList& installed) {
     const auto content = contentOf(folder);
-    return content && std::ranges::all_of(content->folders, [&](const std::string& name) {
-               const std::string path = folder + "/" + name;
-               if (name.starts_with('.')) return true;
-               if (name.starts_with('@') && scope.empty()) return holdsPackages(path, name + "/", installed);
-               return isFile(path + "/package.json") && (!installed || installed->contains(scope + name));
+    const bool isOutermost = place == "node_modules/";
+    if (!content || (!isOutermost && !content->files.empty())) return false;
+    return std::ranges::all_of(content->folders, [&](const std::string& name) {
+        const std::string path = folder + "/" + name;
+        if (name == ".bin") return holdsOnlyLinks(path);
+        if (name.starts_with('.')) return isOutermost || name == ".cache";
+        if (name.starts_with('@') && place.ends_with("node_modules/"))
+            return holdsPackages(path, place + name + "/", installed);
+        const auto own = place.rfind("node_modules/") + std::string_view("node_modules/").size();
+        if (!isFile(path + "/package.json") || !installed.holds(place + name, place.substr(own) + name)) return false;
+        const auto inner = source.lookUp(path + "/node_modules");
+        return !inner || holdsPackages(path + "/node_modules", place + name + "/node_modules/", installed);
+    });
+}
+
+/// pnpm keeps every package in a folder of its own, "@scope+name@1.0.0_others", and links it from everywhere else.
+bool ArtifactRecognition::holdsStoredPackages(const std::string& folder) {
+    const auto content = contentOf(folder);
+    const bool isLinked =
+        content && std::ranges::all_of(content->folders, [&](const std::string& name) {
+            return name.starts_with('.') || (name.starts_with('@') && holdsOnlyLinks(folder + "/" + name));
+        });
+    const auto store = contentOf(folder + "/.pnpm");
+    const std::string list = textOf(folder + "/.pnpm/lock.yaml").value_or("");
+    return isLinked && store && std::ranges::all_of(store->folders, [&](const std::string& stored) {
+               if (stored == "node_modules") return true;
+               const auto version = stored.find('@', 1);
+               if (version == std::string::npos) return false;
+               std::string name = stored.substr(0, version);
+               std::ranges::replace(name, '+', '/');
+               const std::string place = folder + "/.pnpm/" + stored;
+               const auto own = contentOf(place);
+               const auto package = name + stored.substr(version, stored.find_first_of("_(", version) - version);
+               return own && own->files.empty() && own->folders == std::vector<std::string>{"node_modules"} &&
+                      list.contains(package) && holdsOnlyLinks(place + "/node_modules", name);
+           });
+}
+
+/// Links, scopes of links, and one folder.
+bool ArtifactRecognition::holdsOnlyLinks(const std::string& folder, const std::string& butFolder) {
+    const auto content = contentOf(folder);
+    return content && content->files.empty() && std::ranges::all_of(content->folders, [&](const std::string& name) {
+               if (name == butFolder || name == ".bin") return true;
+               const bool isItsScope = name.starts_with('@') && butFolder.starts_with(name + "/");
+               const std::string inner = isItsScope ? butFolder.substr(name.size() + 1) : std::string();
+               return name.starts_with('@') && holdsOnlyLinks(folder + "/" + name, inner);
            });
 }
 
 bool ArtifactRecognition::holdsPods(const std::string& folder) {
-    constexpr std::array<std::string_view, 4> own{"Headers", "Local Podspecs", "Pods.xcodeproj",
-                                                  "Target Support Files"};
+    constexpr std::array<std::string_view, 3> own{"Headers", "Pods.xcodeproj", "Target Support Files"};
     const auto content = contentOf(folder);
     // "- Name (1.0)", "- Name/Part (1.0)", or either in quotes.
-    const std::string list = beginningOf(folder + "/Manifest.lock", longestList);
+    const std::string list = textOf(folder + "/Manifest.lock").value_or("");
     const auto isListed = [&](const std::string& name) {
         return list.contains("- " + name + " (") || list.contains("- " + name + "/") ||
                list.contains("- \"" + name + " (") || list.contains("- \"" + name + "/");
@@ -152,8 +279,37 @@ bool ArtifactRecognition::holdsCompiledSources(const std::string& folder) {
     const auto content = contentOf(folder);
     const std::string around = folder.substr(0, folder.rfind('/') + 1);
     return content && std::ranges::all_of(content->files, [&](const std::string& file) {
-               return isFile(around + file.substr(0, file.find('.')) + ".py");
+               return isFile(around + file.substr(0, file.find(".cpython-")) + ".py");
            });
+}
+
+/// Where the files of the packages lie that are installed in a Python environment, by their own lists.
+std::set<std::string> ArtifactRecognition::installedFiles(const std::string& environment) {
+    std::set<std::string> found;
+    const auto versions = contentOf(environment + "/lib");
+    if (!versions) return found;
+    for (const std::string& version : versions->folders) {
+        const std::string packages = "lib/" + version + "/site-packages/";
+        const auto content = contentOf(environment + "/" + packages);
+        if (!content) continue;
+        for (const std::string& name : content->folders) {
+            if (!name.ends_with(".dist-info")) continue;
+            // "package/file.py,sha256=…,12"; outside of the packages "../../../bin/tool,…".
+            std::istringstream lines(textOf(environment + "/" + packages + name + "/RECORD").value_or(""));
+            for (std::string line; std::getline(lines, line);) {
+                const auto file = std::filesystem::path(packages + line.substr(0, line.find(',')));
+                found.insert(file.lexically_normal().native());
+            }
+        }
+    }
+    return found;
+}
+
+/// Nothing when it is not there, cannot be read or is longer than any list.
+std::optional<std::string> ArtifactRecognition::textOf(const std::string& file) {
+    auto text = beginningOf(file, longestList);
+    if (!text && isFile(file)) troubled = SkipReason::unreadable;
+    return text && text->size() < longestList ? text : std::nullopt;
 }
 
 bool ArtifactRecognition::isFile(const std::string& path) {
@@ -170,7 +326,14 @@ std::optional<ArtifactRecognition::Content> ArtifactRecognition::contentOf(const
     listed.path = folder;
     listed.parentVolume = volume;
     reader.read(listed, mustStop);
-    if (listed.result != ListedFolder::Result::listed) return std::nullopt;
+    if (listed.result != ListedFolder::Result::listed) {
+        if (listed.result == ListedFolder::Result::stopped) {
+            troubled = SkipReason::timedOut;
+        } else if (listed.error != ENOENT) {
+            troubled = SkipReason::unreadable;
+        }
+        return std::nullopt;
+    }
     content.path = folder;
     content.identity = {listed.status.device, listed.status.inode};
     for (const auto& subfolder : listed.subfolders)

@@ -70,10 +70,9 @@ struct ToolSignature {
     /// Must lie beside as well.
     std::optional<ArtifactMarker> marker;
     std::vector<ArtifactSignature> anyOf;
-    /// Patterns of the names that the tool gives to what it puts directly into the folder. Anything else there is a
-    /// person's, and then the whole folder is.
-    std::vector<std::string> ownFiles;
-    std::vector<std::string> ownFolders;
+    /// Where the tool puts its files, as `ArtifactLayout` reads it. With anything elsewhere the whole folder is a
+    /// person's.
+    std::vector<std::string> own;
 };
 
 }  // namespace vostrel

@@ -49,7 +49,11 @@ protected:
         const std::map<std::string, const char*> contents{
             {"CACHEDIR.TAG", "Signature: 8a477f597d28d172789f06886806bc55\n# made by a tool"},
             {".package-lock.json", R"({"packages": {"node_modules/a": {}, "node_modules/@b/c": {"link": false}}})"},
-            {"Manifest.lock", "PODS:\n  - Lib (1.0)\n"}};
+            {"Manifest.lock", "PODS:\n  - Lib (1.0)\n"},
+            {".yarn-integrity", R"({"lockfileEntries": {"a@^1.0.0": "", "@b/c@1": ""}})"},
+            {".yarn-state.yml", "\"a@npm:1.0.0\":\n  locations:\n    - \"node_modules/a\"\n"},
+            {"lock.yaml", "packages:\n  a@1:\n  '@b/c@2':\n"},
+            {"RECORD", "a/a.py,,\na-1.dist-info/RECORD,,\n../../../bin/tool,,\n"}};
         for (const auto& entry : entries) {
             const auto arrow = entry.find(" -> ");
             const std::string path = folder + "/" + entry.substr(0, arrow);
@@ -79,32 +83,30 @@ protected:
 constexpr std::string_view layouts = R"(
 npm | node_modules | package.json | .package-lock.json, .bin/a -> ../a/a.js, a/package.json, @b/c/package.json | mine.js | a
 npm-unlisted | node_modules | package.json | .package-lock.json, a/package.json | mine/package.json | a
-yarn | node_modules | package.json | .yarn-integrity, a/package.json | mine/index.js | a
-yarn-2 | node_modules | package.json | .yarn-state.yml, a/package.json | @my/own/index.js | a
-pnpm | node_modules | package.json | .modules.yaml, .pnpm/a@1/node_modules/a/a.js, a -> .pnpm/a@1/node_modules/a | mine.js | .pnpm
-workspace | node_modules | package.json | .bin/tool -> ../a/tool.js, a/package.json | .bin/mine | a
+yarn | node_modules | package.json | .yarn-integrity, .bin/a -> ../a/a.js, own -> ../packages/own, a/package.json, @b/c/package.json | mine/package.json | a
+yarn-2 | node_modules | package.json | .yarn-state.yml, a/package.json | @my/own/package.json | a
+pnpm | node_modules | package.json | .modules.yaml, .pnpm/lock.yaml, .pnpm/a@1/node_modules/a/a.js, a -> .pnpm/a@1/node_modules/a, .pnpm/@b+c@2_a@1/node_modules/@b/c/c.js | mine/package.json | .pnpm
 next | .next | package.json | BUILD_ID, build-manifest.json, trace, server/app/page.js, static/chunks/a.js | notes.txt | server
 next-dev | .next | package.json | build-manifest.json, server/page.js, static/a.js | server/page.tsx | server
 nuxt | .nuxt | nuxt.config.ts | nuxt.d.ts, tsconfig.json, types/imports.d.ts | page.vue | types
-turbo | .turbo | turbo.json | cache/0123456789abcdef.tar.zst, cookies/1.cookie | config.json | cache
-parcel | .parcel-cache | package.json | data.mdb, lock.mdb, snapshot-1.txt, 0123456789abcdef-AssetGraph-0 | notes.md | -
-vite | dist | vite.config.ts | index.html, a.ico, assets/index-B8sKq2xZ.js, assets/index-DiwrgTda.css | main.tsx | assets
-vite-manifest | dist | vite.config.js | .vite/manifest.json, assets/a.js | assets/a.scss | assets
-angular | dist | angular.json | app/3rdpartylicenses.txt, app/browser/index.html | app/app.component.ts | app
-astro | dist | astro.config.mjs | index.html, _astro/page.B8sKq2xZ.css | page.astro | _astro
-cargo | target | Cargo.toml | CACHEDIR.TAG, .rustc_info.json, debug/a, aarch64-apple-darwin/release/a | my-own-notes/plan.txt | debug
-maven | target | pom.xml | classes/A.class, maven-archiver/pom.properties, a-1.0.jar | notes/read me.txt | classes
-swift | .build | Package.swift | workspace-state.json, checkouts/a/.git/HEAD, debug -> arm64-apple-macosx/debug | Sources/a.swift | -
+turbo | .turbo | turbo.json | cache/0123456789abcdef.tar.zst, cookies/1.cookie, turbo-build.log | turbo-diary.log | cache
+parcel | .parcel-cache | package.json | data.mdb, lock.mdb, snapshot-0123456789abcdef.txt, 0123456789abcdef-AssetGraph-0 | ab/notes.md | -
+vite | dist | vite.config.ts | index.html, vite.svg, assets/index-B8sKq2xZ.js, assets/index-DiwrgTda.css | CNAME | assets
+angular | dist | angular.json | app/3rdpartylicenses.txt, app/browser/index.html, app/browser/main-5LKJ2XQ3.js | app/novel.txt | app
+astro | dist | astro.config.mjs | index.html, _astro/page.B8sKq2xZ.css | diary/index.html | _astro
+cargo | target | Cargo.toml | CACHEDIR.TAG, .rustc_info.json, debug/a, debug/a.d, debug/deps/a-0123456789abcdef.d, aarch64-apple-darwin/release/a.wasm, aarch64-apple-darwin/release/a.d | debug/savegame | debug
+maven | target | pom.xml | classes/A.class, maven-archiver/pom.properties, a-1.0.jar | classes/A.java | classes
+swift | .build | Package.swift | workspace-state.json, checkouts/a/.git/HEAD, debug -> arm64-apple-macosx/debug, arm64-apple-macosx/debug/a | wasm32-my-thesis/a.swift | arm64-apple-macosx/debug
 pods | Pods | Podfile, Podfile.lock | Manifest.lock, Pods.xcodeproj/a, Target Support Files/a.xcconfig, Lib/a.m | Notes/a.txt | Lib
-gradle | build | build.gradle.kts | classes/A.class, tmp/compileJava/previous-compilation-data.bin, libs/a.jar | notes.txt | classes
-android | build | build.gradle | intermediates/a/b, outputs/logs/manifest-merger-debug-report.txt, generated/R.java | icons/a.svg | generated
-gradle-cache | .gradle | settings.gradle | 8.5/gc.properties, 8.5/fileHashes/a.lock, buildOutputCleanup/cache.properties | gradle.properties | 8.5
-python | __pycache__ | a.py, b.py | a.cpython-311.pyc, b.cpython-311.opt-1.pyc | a.py | -
+gradle | build | build.gradle.kts | classes/java/main/A.class, tmp/compileJava/previous-compilation-data.bin, libs/a.jar | docs/notes.txt | classes
+android | build | build.gradle | intermediates/a/b, outputs/logs/manifest-merger-debug-report.txt, generated/source/r/R.java, outputs/apk/debug/a-debug.apk | outputs/apk/release/a-release.apk | intermediates
+gradle-cache | .gradle | settings.gradle | 8.5/gc.properties, 8.5/fileHashes/fileHashes.lock, buildOutputCleanup/cache.properties | 3.5 photos/a.bin | 8.5
+python | __pycache__ | a.py, b.py | a.cpython-311.pyc, b.cpython-311.opt-1.pyc, b.cpython-312-pytest-8.3.4.pyc | a.thesis.pyc | -
 python-lost | __pycache__ | a.py | a.cpython-311.pyc | lost.cpython-311.pyc | -
-pytest | .pytest_cache | a.py | CACHEDIR.TAG, README.md, .gitignore, v/cache/nodeids | notes.md | v
-venv | .venv | requirements.txt | pyvenv.cfg, bin/activate, bin/python -> /usr/bin/python3, lib/python3.11/a.py | src/editable/setup.py | lib
-xcode | DerivedData | App.xcodeproj/project.pbxproj | App-abcdefghijklmnopqrstuvwxyzab/info.plist, ModuleCache.noindex/a | App/info.plist | -
-xcodebuild | DerivedData | Package.swift | info.plist, Build/Products/a, Logs/a, SourcePackages/checkouts/a/.git/HEAD | notes.txt | -
+pytest | .pytest_cache | a.py | CACHEDIR.TAG, README.md, .gitignore, v/cache/nodeids | v/notes.md | v
+venv | .venv | requirements.txt | pyvenv.cfg, bin/activate, bin/tool, bin/python -> /usr/bin/python3, lib/python3.11/site-packages/a/a.py, lib/python3.11/site-packages/a/__pycache__/a.cpython-311.pyc, lib/python3.11/site-packages/a-1.dist-info/RECORD | bin/backup | lib
+xcode | DerivedData | App.xcodeproj/project.pbxproj | App-abcdefghijklmnopqrstuvwxyzab/info.plist, ModuleCache.noindex/a | App-abcdefghijklmnopqrstuvwxyzab/raw.csv | ModuleCache.noindex
+xcodebuild | DerivedData | Package.swift | info.plist, Build/Products/a, Logs/a, SourcePackages/checkouts/a/.git/HEAD | Lake-for my thesis, all of it 2024/info.plist | Build/Products
 )";
 
 TEST_F(ProjectScanTest, plansWhatAToolMadeAndLeavesEveryNearMiss) {
@@ -147,7 +149,12 @@ Cargo.toml, target/.rustc_info.json, target/debug/a, target/CACHEDIR.TAG
 vite.config.ts, dist/index.html, dist/assets/photo-holidays.jpg
 vite.config.ts, dist/index.html, dist/assets/index-B8sKq2xZ.js, dist/assets/me.jpg
 turbo.json, .turbo/cache/my summer stories.tar.zst
-package.json, node_modules/.bin/run -> ../run, node_modules/.bin/notes.txt
+vite.config.ts, dist/index.html, dist/assets/index-20240131.js
+package.json, node_modules/.bin/run -> ../run, node_modules/a/package.json
+package.json, node_modules/.modules.yaml, node_modules/.pnpm/lock.yaml, node_modules/mine
+package.json, node_modules/.package-lock.json, node_modules/a/package.json, node_modules/a/node_modules/mine/package.json
+package.json, node_modules/.package-lock.json, node_modules/a/package.json, node_modules/a/novel.odt
+pom.xml, target/maven-archiver/pom.properties, target/classes/META-INF/a/HEAD, target/classes/META-INF/a/objects/a, target/classes/META-INF/a/refs/a
 Package.swift, .build/workspace-state.json, .build/my-own-notes/a
 package.json/a, node_modules/.package-lock.json
 package.json, Node_Modules/.package-lock.json

@@ -88,7 +88,7 @@ TEST(RuleBookTest, definesWhatATargetStandsFor) {
         definition(ProjectScanTarget{{"/code"}, {ArtifactKind::pycache, ArtifactKind::nodeModules}, 30}, catalog);
     EXPECT_TRUE(scan.starts_with(R"(projectScan;{"nodeModules":"node_modules; beside package.json; npm: )")) << scan;
     EXPECT_TRUE(scan.contains(R"("pycache":"__pycache__; beside Python files; Python: )"
-                              R"(anyOf(onlyFilesMatching:*.*.pyc), files *, folders ; never .git, )"))
+                              R"(anyOf(onlyFilesMatching:*.cpython-3*.pyc), files *.cpython-3[0-9].pyc, )"))
         << scan;
 }
 

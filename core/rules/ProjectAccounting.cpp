@@ -33,8 +33,10 @@ std::string joined(std::string_view folder, std::string_view name) {
     return path += name;
 }
 
+/// Of an application, or one that a package manager installed.
 bool isInPackage(const std::filesystem::path& folder) {
-    return std::ranges::any_of(folder, [](const auto& component) { return isPackageName(component.native()); });
+    return std::ranges::any_of(
+        folder, [](const auto& component) { return component == "node_modules" || isPackageName(component.native()); });
 }
 
 const ProjectNotes& projectNotes(const FolderNotes& notes) {

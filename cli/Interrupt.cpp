@@ -15,7 +15,7 @@ static_assert(std::atomic<bool>::is_always_lock_free);
 void listenTo(int signal, int flags) {
     struct sigaction action = {};
     action.sa_handler = [](int) { stopRequested = true; };
-    action.sa_flags = flags | static_cast<int>(SA_RESTART);
+    action.sa_flags = flags | SA_RESTART;
     sigemptyset(&action.sa_mask);
     sigaction(signal, &action, nullptr);
 }

@@ -8,7 +8,9 @@ target_include_directories(vostrel_options INTERFACE "${PROJECT_SOURCE_DIR}/core
 
 if(VOSTREL_SANITIZE)
   target_compile_options(vostrel_options INTERFACE
-    -fsanitize=${VOSTREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+    -fsanitize=${VOSTREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1
+    # What a sanitizer adds makes GCC take the standard library's own variants and functions for uninitialized.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(vostrel_options INTERFACE -fsanitize=${VOSTREL_SANITIZE})
 endif()
 

@@ -75,7 +75,8 @@ TEST(RuleBookTest, anApprovalHoldsUntilSomethingThatItCapturedChanges) {
     EXPECT_NE(rule.approvalKey(roots, PresetCatalog()), key) << "the preset is gone";
     EXPECT_NE(rule.approvalKey(roots, PresetCatalog({revised})), key);
     ApprovalKey legacy = key;
-    legacy.rootFileID = JSONValue(42);
+    const JSONValue inode(42);
+    legacy.rootFileID = inode;
     EXPECT_NE(legacy, key) << "a key of an earlier version";
 }
 

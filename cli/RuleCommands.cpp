@@ -161,11 +161,12 @@ CommandResult discardUnreadable(Session& session) {
 
 /// A command about one rule.
 template <class Action>
-CLI::App* addCommandOnRule(CLI::App& group, Command& chosen, const char* name, const char* description, Action action) {
+CLI::App* addCommandOnRule(CLI::App& group, Command& chosen, const char* name, const char* description,
+                           const Action& action) {
     CLI::App* const command = group.add_subcommand(name, description)->fallthrough();
     const auto wanted = std::make_shared<std::string>();
     command->add_option("RULE", *wanted, "Its id, a beginning of it, or the rule's name")->required();
-    command->callback([&chosen, wanted, action = std::move(action)] {
+    command->callback([&chosen, wanted, action = std::decay_t<const Action&>(action)] {
         chosen = inSession([wanted, action](Session& session) { return action(session, *wanted); });
     });
     return command;

@@ -1,6 +1,7 @@
 #include "rules/ArtifactRecognition.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -289,13 +290,13 @@ std::set<std::string> ArtifactRecognition::installedFiles(const std::string& env
     const auto versions = contentOf(environment + "/lib");
     if (!versions) return found;
     for (const std::string& version : versions->folders) {
-        const std::string packages = "lib/" + version + "/site-packages/";
+        const std::string packages = fmt::format("lib/{}/site-packages/", version);
         const auto content = contentOf(environment + "/" + packages);
         if (!content) continue;
         for (const std::string& name : content->folders) {
             if (!name.ends_with(".dist-info")) continue;
             // "package/file.py,sha256=…,12"; outside of the packages "../../../bin/tool,…".
-            std::istringstream lines(textOf(environment + "/" + packages + name + "/RECORD").value_or(""));
+            std::istringstream lines(textOf(fmt::format("{}/{}{}/RECORD", environment, packages, name)).value_or(""));
             for (std::string line; std::getline(lines, line);) {
                 const auto file = std::filesystem::path(packages + line.substr(0, line.find(',')));
                 found.insert(file.lexically_normal().native());

@@ -112,7 +112,7 @@ TEST_F(CleanupPlannerTest, goesByScopeNamesAgeAndSize) {
 
 TEST_F(CleanupPlannerTest, refusesARootWithTheSentenceOfTheFirstCheckThatFails) {
     const auto folder = home.makeFolder("root");
-    make({"file", "Documents/work/x", "secret/other"});
+    make({"file", "Documents/jobs/x", "secret/other"});
     VolumeQuestions onFAT;
     onFAT.fileSystemType = [](int) { return "msdos"; };
     const auto replaced = [&](int open) {

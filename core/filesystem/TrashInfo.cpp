@@ -1,17 +1,16 @@
 #include "filesystem/TrashInfo.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <ctime>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "platform/FileContent.h"
 #include "platform/FileStatus.h"
 #include "platform/FolderOpening.h"
 #include "platform/OwnedDescriptor.h"
@@ -22,7 +21,7 @@ namespace vostrel {
 namespace {
 
 /// The longest path, every byte of it written as "%41", and the rest of the file many times over.
-constexpr std::int64_t longestFile = 65'536;
+constexpr std::size_t longestFile = 65'536;
 
 bool isOnlyTheUsers(const FileStatus& status) {
     constexpr unsigned writableByOthers = 022;
@@ -39,18 +38,11 @@ std::optional<std::string> contentOf(int openFolder, const std::string& name) {
         ::openat(openFolder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
     if (!file.isOpen()) return std::nullopt;
     const auto status = statusOfOpen(file.get());
-    if (!status || status->type != EntryType::file || status->length > longestFile) return std::nullopt;
+    if (!status || status->type != EntryType::file || std::cmp_greater(status->length, longestFile))
+        return std::nullopt;
     if (!isOnlyTheUsers(*status)) return std::nullopt;
-    std::string content;
-    std::array<char, 4096> piece{};
-    while (content.size() <= longestFile) {
-        const auto count = ::read(file.get(), piece.data(), piece.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return std::nullopt;
-        if (count == 0) return content;
-        content.append(piece.data(), static_cast<std::size_t>(count));
-    }
-    return std::nullopt;
+    auto content = readBytes(file.get(), longestFile + 1);
+    return content && content->size() <= longestFile ? std::optional(std::move(*content)) : std::nullopt;
 }
 
 std::string_view takeLine(std::string_view& text) {

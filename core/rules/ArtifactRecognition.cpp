@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -15,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/FileContent.h"
 #include "platform/OwnedDescriptor.h"
 #include "stores/JSONCoding.h"
 
@@ -37,15 +37,8 @@ constexpr std::size_t deepest = 100;
 std::optional<std::string> beginningOf(const std::string& file, std::size_t most) {
     const OwnedDescriptor opened(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!opened.isOpen()) return std::nullopt;
-    std::string text;
-    std::array<char, 65'536> piece{};
-    while (text.size() < most) {
-        const auto got = ::read(opened.get(), piece.data(), std::min(piece.size(), most - text.size()));
-        if (got < 0) return std::nullopt;
-        if (got == 0) break;
-        text.append(piece.data(), static_cast<std::size_t>(got));
-    }
-    return text;
+    auto text = readBytes(opened.get(), most);
+    return text ? std::optional(std::move(*text)) : std::nullopt;
 }
 
 std::set<std::string> namesAfter(std::string_view before, char after, std::string_view text) {

@@ -19,7 +19,8 @@ ProjectCollector::ProjectCollector(const CleanupPlanner& forPlanner, const Rule&
       now(date),
       isCancelled(cancelled),
       plan(into),
-      scanner(forPlanner.guards, *forPlanner.source, forPlanner.helpers) {
+      scanner(forPlanner.guards, *forPlanner.source, forPlanner.helpers),
+      repositories(*forPlanner.source) {
     if (!planner.progress) return;
     scanner.watch([this](std::string_view folder) {
         soFar.folder = folder;
@@ -101,7 +102,17 @@ void ProjectCollector::measure(const OpenedRoot& root, std::size_t rootIndex,
 }
 
 void ProjectCollector::examine(const ProjectScanner::Candidate& candidate, const WalkVolume& volume,
-                               const WalkBudget& budget, MeasuredItem& measured) const {
+                               const WalkBudget& budget, MeasuredItem& measured) {
+    switch (repositories.tracking(candidate.artifact.native())) {
+        case GitRepositories::Answer::tracked:
+            measured.facts.containsExcluded = true;
+            return;
+        case GitRepositories::Answer::unknown:
+            measured.trouble = MeasuredItem::Trouble::couldNotRead;
+            return;
+        case GitRepositories::Answer::notTracked:
+            break;
+    }
     ArtifactRecognition recognition(*planner.source, volume, [&] { return budget.isSpent(); });
     if (recognition.canBeMadeAgain(candidate.artifact.native(), candidate.kind)) return;
     if (budget.isSpent()) {

@@ -8,6 +8,7 @@
 #include "cleaning/CleanupPlanner.h"
 #include "filesystem/LinkSet.h"
 #include "filesystem/MeasuredItem.h"
+#include "rules/GitRepositories.h"
 #include "rules/ProjectScanner.h"
 
 namespace vostrel {
@@ -29,9 +30,10 @@ private:
     void report(const OpenedRoot& root, ProjectScanner::Discovery& discovery);
     void measure(const OpenedRoot& root, std::size_t rootIndex, const ProjectScanner::Candidate& candidate,
                  const WalkBudget& budget);
-    /// Notes why a measured folder stays, if it holds more than the tool made.
+    /// Notes why a measured folder stays, if it holds more than the tool made, or what somebody keeps under version
+    /// control.
     void examine(const ProjectScanner::Candidate& candidate, const WalkVolume& volume, const WalkBudget& budget,
-                 MeasuredItem& measured) const;
+                 MeasuredItem& measured);
     [[nodiscard]] bool isUntouched(const ProjectScanner::Candidate& candidate) const;
 
     const CleanupPlanner& planner;
@@ -44,6 +46,7 @@ private:
     /// By root, what was found below it.
     std::vector<std::vector<ProjectScanner::Candidate>> candidates;
     LinkSet links;
+    GitRepositories repositories;
     PlanProgress soFar;
 };
 

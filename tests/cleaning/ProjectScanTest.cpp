@@ -9,6 +9,7 @@
 #include "cleaning/PlannerHome.h"
 #include "rules/ArtifactFacts.h"
 #include "rules/ProjectScanner.h"
+#include "support/GitIndexBytes.h"
 #include "support/PrivateMounts.h"
 #include "support/SumOnDisk.h"
 
@@ -170,6 +171,43 @@ TEST_F(ProjectScanTest, isNotTakenInByNamesThatAlmostFit) {
 
     EXPECT_EQ(said.size(), rows.size() - 1) << "the last one has not even the name";
     EXPECT_THAT(said, testing::Each(Pair(testing::_, unrecognised)));
+}
+
+TEST_F(ProjectScanTest, leavesWhatTheRepositoryAroundItKeeps) {
+    const std::string kept = GitIndexBytes().naming({"node_modules/a/package.json", "package.json"});
+    const std::string others = GitIndexBytes().naming({"in/node_modules/a", "node_modules.txt", "package.json"});
+    const std::string elsewhere = "gitdir: ../../modules/";
+    const char* const unread = "Vostrel could not read";
+    // A project, a file beside its build folder, what that holds, and what then becomes of the build folder.
+    const std::tuple<const char*, const char*, std::string, const char*> rows[] = {
+        {"kept", ".git/index", kept, unrecognised},
+        {"others", ".git/index", others, planned},
+        {"others/in", "a.js", "", unrecognised},
+        {"kept/own", ".git/index", others, planned},
+        {"kept/unborn", ".git/HEAD", "ref: refs/heads/main", planned},
+        {"broken", ".git/index", kept.substr(0, 99), unread},
+        {"broken/in", "a.js", "", unread},
+        {"folder", ".git/index/a", "", unread},
+        {"submodule", ".git", elsewhere + "kept\n", unrecognised},
+        {"worktree", ".git", "gitdir: " + (home / "modules/others").native() + "\r\n", planned},
+        {"gone", ".git", elsewhere + "gone\n", unread},
+        {"through a link", ".git", elsewhere + "link\n", unread},
+        {"no pointer", ".git", "gitdir: \n", unread},
+    };
+    home.home.makeFile("modules/kept/index", kept);
+    home.home.makeFile("modules/others/index", others);
+    home.home.makeLink("modules/link", home / "modules/others");
+    home.home.makeLink("code/linked/.git", home / "modules/others");
+    makeNodeProject("code/linked");
+    Verdicts expected{{"code/linked/node_modules", unread}};
+    for (const auto& [project, file, content, verdict] : rows) {
+        const std::string folder = std::string("code/") + project;
+        makeNodeProject(folder);
+        home.home.makeFile(folder + "/" + file, content);
+        expected[folder + "/node_modules"] = verdict;
+    }
+
+    EXPECT_THAT(verdictsOf(rule()), testing::ContainerEq(expected));
 }
 
 TEST_F(ProjectScanTest, recordsWhichFolderItIsAndWhichProjectOwnsIt) {

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+namespace vostrel {
+
+/// The folders in which a Git repository keeps files under version control, by the bytes of its index.
+///
+/// Reads versions 2, 3 and 4 of the published format, with object ids of 20 or of 32 bytes. Opens nothing, and takes
+/// any bytes: what is not an index from the first byte to the last is none.
+class GitIndex {
+public:
+    /// So many bytes name millions of files.
+    static constexpr std::size_t longest = 128U << 20U;
+
+    /// Nothing when the bytes are no index, when the index does not name every file itself (it is split, or stands
+    /// for whole folders), when it has a part that every reader must know and this one does not, or when it is too
+    /// long.
+    [[nodiscard]] static std::optional<GitIndex> parse(std::string_view bytes);
+
+    /// Whether it names anything inside the folder, or the folder itself as another repository. `folder` is relative
+    /// to the repository's files; case and Unicode form do not count.
+    [[nodiscard]] bool names(std::string_view folder) const;
+
+private:
+    class Reader;
+
+    [[nodiscard]] static std::optional<GitIndex> parse(std::string_view bytes, std::size_t idLength);
+    [[nodiscard]] bool add(std::string_view folder);
+
+    /// With all those around them, folded.
+    std::unordered_set<std::string> folders;
+    std::size_t length = 0;
+};
+
+}  // namespace vostrel

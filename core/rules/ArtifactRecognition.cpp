@@ -373,9 +373,12 @@ bool ArtifactRecognition::shows(const Content& content, const ArtifactSignature&
     return false;
 }
 
-bool isCacheFolderTag(const std::string& file) {
+/// Whether the file begins as the published convention for cache folders demands.
+bool ArtifactRecognition::isCacheFolderTag(const std::string& file) {
     constexpr std::string_view begins = "Signature: 8a477f597d28d172789f06886806bc55";
-    return beginningOf(file, begins.size()) == begins;
+    const auto text = beginningOf(file, begins.size());
+    if (!text) troubled = SkipReason::unreadable;
+    return text == begins;
 }
 
 }  // namespace vostrel

@@ -42,6 +42,7 @@ private:
     struct PackageList;
 
     [[nodiscard]] std::optional<Content> contentOf(const std::string& folder);
+    [[nodiscard]] bool isCacheFolderTag(const std::string& file);
     [[nodiscard]] std::optional<std::string> textOf(const std::string& file);
     [[nodiscard]] bool isFile(const std::string& path);
     [[nodiscard]] bool holdsOnly(const ArtifactLayout& own, const std::set<std::string>& listed,
@@ -61,8 +62,5 @@ private:
     std::function<bool()> mustStop;
     std::optional<SkipReason> troubled;
 };
-
-/// Whether the file begins as the published convention for cache folders demands. Follows no link.
-[[nodiscard]] bool isCacheFolderTag(const std::string& file);
 
 }  // namespace vostrel

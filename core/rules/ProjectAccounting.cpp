@@ -90,6 +90,7 @@ WalkDecision ProjectAccounting::decide(const WalkedFolder& folder, const FolderN
             recognised[std::move(path)] = *identity;
             return buildFolderOf(*kind);
         }
+        if (const auto trouble = recognising.trouble()) undecided[std::move(path)] = *trouble;
     }
     const bool isSearched = folder.depth < questions.searchDepth;
     return isSearched || folder.depth <= reachBelow(around, folder.depth - 1) ? WalkDecision{} : tooFarDown;
@@ -103,7 +104,7 @@ void ProjectAccounting::leftOut(const WalkedFolder& folder, WalkDecision decisio
         leaveOut(folder.path, SkipReason::protectedPlace,
                  questions.guards.refusalForWalkedItem(questions.root, around.relativePath, folder.name));
     } else if (decision.leftOutFor == tooFarDown.leftOutFor) {
-        if (kind) leaveOut(folder.path, SkipReason::noToolSignature);
+        if (kind) leaveOutUnrecognised(folder.path);
     } else if (kind) {
         addCandidate(folder, *kind);
     } else {
@@ -145,11 +146,16 @@ void ProjectAccounting::onOtherVolume(const WalkedFolder& folder) {
     spoil(folder.depth, SkipReason::otherVolume);
 }
 
+void ProjectAccounting::notReached(const WalkedFolder& folder) {
+    const std::string path(folder.path);
+    if (undecided.contains(path) && wantedKind(folder.name, folder.depth)) leaveOutUnrecognised(path);
+}
+
 void ProjectAccounting::listed(const WalkedFolder& folder, const FileStatus& status, FolderNotes& folderNotes,
                                ListingEnd end, int error) {
     const ProjectNotes& notes = projectNotes(folderNotes);
     if (questions.watcher) questions.watcher(folder.path);
-    if (folder.depth > 0 && wantedKind(folder.name, folder.depth)) leaveOut(folder.path, SkipReason::noToolSignature);
+    if (folder.depth > 0 && wantedKind(folder.name, folder.depth)) leaveOutUnrecognised(folder.path);
     Level level;
     level.identity = {status.device, status.inode};
     level.path = folder.path;
@@ -196,6 +202,11 @@ std::optional<ArtifactKind> ProjectAccounting::wantedKind(std::string_view name,
 
 void ProjectAccounting::leaveOut(std::string_view path, SkipReason reason, std::optional<std::string> refusal) {
     found.leftOut.push_back({path, reason, std::move(refusal)});
+}
+
+void ProjectAccounting::leaveOutUnrecognised(std::string_view path) {
+    const auto known = undecided.extract(std::string(path));
+    leaveOut(path, known ? known.mapped() : SkipReason::noToolSignature);
 }
 
 void ProjectAccounting::leaveOut(const Level& level, ProjectNotes::Kinds kinds, SkipReason reason) {

@@ -72,6 +72,7 @@ public:
     void tooDeep(const WalkedFolder& /*folder*/) override {}
     void couldNotOpen(const WalkedFolder& folder, int error) override;
     void onOtherVolume(const WalkedFolder& folder) override;
+    void notReached(const WalkedFolder& folder) override;
     void listed(const WalkedFolder& folder, const FileStatus& status, FolderNotes& notes, ListingEnd end,
                 int error) override;
     void finished(const WalkedFolder& folder, bool stopped) override;
@@ -98,6 +99,7 @@ private:
     /// The wanted kind that a folder or link of this name, directly in the folder of the last level, could be.
     [[nodiscard]] std::optional<ArtifactKind> wantedKind(std::string_view name, std::size_t depth) const;
     void leaveOut(std::string_view path, SkipReason reason, std::optional<std::string> refusal = {});
+    void leaveOutUnrecognised(std::string_view path);
     void leaveOut(const Level& level, ProjectNotes::Kinds kinds, SkipReason reason);
     void addCandidate(const WalkedFolder& folder, ArtifactKind kind);
     /// The folders whose sources lie so deep.
@@ -111,6 +113,8 @@ private:
     ProjectScanner::Discovery& found;
     /// Recognised ahead of the walk's order.
     std::unordered_map<std::string, FileIdentity> recognised;
+    /// Folders of which that could not be told, and why.
+    std::unordered_map<std::string, SkipReason> undecided;
     std::vector<Level> levels;
     std::optional<Date> newestOfRoot;
 };

@@ -210,6 +210,27 @@ TEST_F(ProjectScanTest, leavesWhatTheRepositoryAroundItKeeps) {
     EXPECT_THAT(verdictsOf(rule()), testing::ContainerEq(expected));
 }
 
+TEST_F(ProjectScanTest, saysWhyItCouldNotTellWhoMadeAFolder) {
+    makeAll("code/p", {"pom.xml", "target/maven-archiver/pom.properties"});
+    auto time = std::make_shared<Date>(home.now);
+    home.planner.clock = [time] { return *time; };
+    const auto verdictAfter = [&](const std::function<int()>& onFirst) {
+        bool isFirst = true;
+        home.source->onOpen = [&](const std::string& path) {
+            return path.ends_with("/maven-archiver") && std::exchange(isFirst, false) ? onFirst() : 0;
+        };
+        return verdictsOf(rule())["code/p/target"];
+    };
+
+    EXPECT_EQ(verdictAfter([] { return 0; }), planned);
+    EXPECT_EQ(verdictAfter([] { return EIO; }), "Vostrel could not read");
+    EXPECT_EQ(verdictAfter([&] {
+                  *time = home.now + home.planner.projectScanBudget + 1s;
+                  return 0;
+              }),
+              "not checked in time");
+}
+
 TEST_F(ProjectScanTest, recordsWhichFolderItIsAndWhichProjectOwnsIt) {
     makeNodeProject("code/a");
     makeAll("code/py", {"pyproject.toml", "deep/er/a.py", "deep/er/__pycache__/a.cpython-312.pyc"});

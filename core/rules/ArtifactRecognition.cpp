@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "filesystem/PackageNames.h"
 #include "platform/FileContent.h"
 #include "platform/OwnedDescriptor.h"
 #include "stores/JSONCoding.h"
@@ -153,6 +154,25 @@ bool ArtifactRecognition::canBeMadeAgain(const std::string& folder, ArtifactKind
     if (kind == ArtifactKind::pycache) return holdsCompiledSources(folder);
     if (kind == ArtifactKind::pods) return holdsPods(folder);
     return kind != ArtifactKind::nodeModules || holdsListedPackages(folder);
+}
+
+bool ArtifactRecognition::liesInBuildFolder(const std::filesystem::path& folder) {
+    std::filesystem::path around;
+    for (const auto& component : folder) {
+        const auto kind = kindOfFolder(component.native());
+        if (kind && isMarked(around.native(), *kind)) return true;
+        around /= component;
+    }
+    return false;
+}
+
+bool ArtifactRecognition::isMarked(const std::string& project, ArtifactKind kind) {
+    const auto content = contentOf(project, std::nullopt);
+    const ArtifactMarkers& wanted = factsOf(kind).markerBits;
+    const auto marks = [&](const std::string& name) { return (markersOf(name) & wanted).any(); };
+    return !content || std::ranges::any_of(content->files, marks) ||
+           std::ranges::any_of(content->folders,
+                               [&](const std::string& name) { return isPackageName(name) && marks(name); });
 }
 
 /// Whether every file lies where the tool's own lie, or is listed.
@@ -311,14 +331,19 @@ bool ArtifactRecognition::isFile(const std::string& path) {
     return status && status->type == EntryType::file;
 }
 
-/// Nothing when it could not be listed to its end, or lies on another volume.
 std::optional<ArtifactRecognition::Content> ArtifactRecognition::contentOf(const std::string& folder) {
+    return contentOf(folder, volume);
+}
+
+/// Nothing when it could not be listed to its end, or lies on another volume.
+std::optional<ArtifactRecognition::Content> ArtifactRecognition::contentOf(const std::string& folder,
+                                                                           const std::optional<WalkVolume>& onVolume) {
     ListedFolder listed;
     auto notes = std::make_unique<Content>();
     Content& content = *notes;
     listed.notes = std::move(notes);
     listed.path = folder;
-    listed.parentVolume = volume;
+    listed.parentVolume = onVolume;
     reader.read(listed, mustStop);
     if (listed.result != ListedFolder::Result::listed) {
         if (listed.result == ListedFolder::Result::stopped) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <set>
@@ -34,6 +35,10 @@ public:
     /// folder. Looks at everything in it, so it is asked only of a folder that would go.
     [[nodiscard]] bool canBeMadeAgain(const std::string& folder, ArtifactKind kind);
 
+    /// Whether the folder, an absolute path without links, or one around it has a build folder's name with one of that
+    /// kind's markers beside it, whatever else it holds. Yes when it cannot be seen what lies beside.
+    [[nodiscard]] bool liesInBuildFolder(const std::filesystem::path& folder);
+
     /// Why the last answer was no, where that was not seen but could not be.
     [[nodiscard]] std::optional<SkipReason> trouble() const { return troubled; }
 
@@ -42,6 +47,9 @@ private:
     struct PackageList;
 
     [[nodiscard]] std::optional<Content> contentOf(const std::string& folder);
+    [[nodiscard]] std::optional<Content> contentOf(const std::string& folder,
+                                                   const std::optional<WalkVolume>& onVolume);
+    [[nodiscard]] bool isMarked(const std::string& project, ArtifactKind kind);
     [[nodiscard]] bool isCacheFolderTag(const std::string& file);
     [[nodiscard]] std::optional<std::string> textOf(const std::string& file);
     [[nodiscard]] bool isFile(const std::string& path);

@@ -66,7 +66,7 @@ void ProjectNotes::subfolder(std::string_view name) {
 void ProjectAccounting::prepare(const WalkedFolder& folder, const FolderNotes* parent, FolderNotes& notes) {
     auto& prepared = dynamic_cast<ProjectNotes&>(notes);
     if (parent == nullptr) {
-        prepared.searches = !isInPackage(folder.path);
+        prepared.searches = !isInPackage(folder.path) && !recognising.liesInBuildFolder(folder.path);
         prepared.reach = questions.sourceDepth;
         return;
     }

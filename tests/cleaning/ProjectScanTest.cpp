@@ -307,6 +307,27 @@ TEST_F(ProjectScanTest, looksFiveFoldersDownAndNeverIntoWhatItFound) {
                                    &ProjectScanner::Candidate::stamp));
 }
 
+TEST_F(ProjectScanTest, findsNothingInACodeFolderInsideABuildFolder) {
+    // A code folder, what lies beside the folder that holds it, and whether projects in it count.
+    const std::tuple<const char*, const char*, bool> rows[] = {
+        {"p/.venv/src", "p/requirements.txt", false},  {"q/target/a/b", "q/Cargo.toml", false},
+        {"r/DerivedData", "r/App.xcodeproj/a", false}, {"s/node_modules/a", "s/notes.txt", false},
+        {"t/App.app/Contents", "t/notes.txt", false},  {"build/code", "notes.txt", true},
+        {"u/target/a", "u/requirements.txt", true},    {"v/unreadable/build/a", "v/notes.txt", false},
+    };
+    home.source->onOpen = [](const std::string& path) { return path.ends_with("/unreadable") ? EACCES : 0; };
+    for (const auto& [folder, beside, counts] : rows) {
+        makeNodeProject(std::string(folder) + "/project");
+        home.home.makeFile(beside);
+        Rule scan = rule();
+        std::get<ProjectScanTarget>(scan.target).roots = {home / folder};
+        const auto plan = home.plan(scan);
+        ASSERT_TRUE(plan) << folder;
+        EXPECT_EQ(plan->items.size(), counts ? 1U : 0U) << folder;
+        EXPECT_EQ(plan->skipped.size(), 0U) << folder;
+    }
+}
+
 TEST_F(ProjectScanTest, leavesAProjectWhoseSourcesItCouldNotRead) {
     for (const char* project : {"fine", "folder", "file", "mount", "photos"})
         makeNodeProject(std::string("code/") + project);

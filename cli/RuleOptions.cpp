@@ -86,12 +86,14 @@ void RuleOptions::addTarget(CLI::App& command) {
 }
 
 void RuleOptions::addFilter(CLI::App& command) {
+    auto* const projects = command.get_option("--projects");
     addParsed(
         command, "--older-than", "DAYS", parseCount, [this](int days) { filter.minAgeDays = days; },
         "Leave younger items alone");
     addParsed(
         command, "--by", "BASIS", parseWord<AgeBasis>, [this](AgeBasis word) { basis = word; },
-        "The date that age goes by: modified, added or lastOpened");
+        "The date that age goes by: modified, added or lastOpened")
+        ->excludes(projects);
     addParsed(
         command, "--min-size", "SIZE", parseSize, [this](std::int64_t size) { filter.minSizeBytes = size; },
         "Leave smaller items alone");
@@ -105,7 +107,8 @@ void RuleOptions::addFilter(CLI::App& command) {
         "Keep items with such names, and folders that hold one"));
     addParsed(
         command, "--scope", "SCOPE", parseWord<RuleScope>, [this](RuleScope word) { scope = word; },
-        "topLevelItems (each item directly in the folder), allFiles or topLevelFiles");
+        "topLevelItems (each item directly in the folder), allFiles or topLevelFiles")
+        ->excludes(projects);
     takesMany(addParsed(
         command, "--pin", "FILE", anyText, [this](const std::string& file) { pins.emplace_back(file); },
         "Take only these files of the folder"));

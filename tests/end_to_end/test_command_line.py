@@ -20,6 +20,8 @@ class CommandLineTest(ProgramTest):
             ("rule add Old --preset logs --folder /a", "--folder, --preset and --projects"),
             ("rule add Old --preset logs --pin a", "--pin"),
             ("rule add Old --folder /a --trash --delete", "--delete"),
+            ("rule add Old --projects /a --kinds target --untouched-days 30 --by added", "--by"),
+            ("rule add Old --projects /a --kinds target --untouched-days 30 --scope allFiles", "--scope"),
         ]
         for options in ("--kinds target", "--untouched-days 30", "--older-than soon", "--older-than 0x10",
                         "--older-than=-3", "--older-than 99999999999", "--min-size large", "--min-size=-1",

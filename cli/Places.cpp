@@ -10,7 +10,7 @@
 #include <system_error>
 
 #include "base/PrintableText.h"
-#include "platform/ApplicationData.h"
+#include "monitor/SettingsStore.h"
 #include "platform/UserAccount.h"
 
 namespace vostrel::cli {
@@ -18,8 +18,6 @@ namespace vostrel::cli {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr const char* folderOfData = "vostrel";
 
 std::expected<fs::path, Failure> namedHome(const fs::path& named) {
     std::error_code problem;
@@ -88,7 +86,7 @@ std::expected<Places, Failure> placesFor(const GlobalOptions& options) {
         std::erase_if(places.environment, [](const auto& each) { return each.first.starts_with("XDG_"); });
     std::error_code problem;
     places.data = options.data ? fs::absolute(*options.data, problem)
-                               : applicationDataFolder(places.home, places.environment) / folderOfData;
+                               : SettingsStore::defaultDirectory(places.home, places.environment);
     if (places.data.empty()) return wrongCommandLine("--data: a folder is needed.");
     return places;
 }

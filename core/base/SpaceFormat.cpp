@@ -55,4 +55,23 @@ std::string upTo(std::int64_t count) {
     return count < megabyte ? bytes(count) : "up to " + bytes(count);
 }
 
+std::string bytesFloor(std::int64_t count) {
+    if (count < megabyte) return bytes(count);
+    std::int64_t size = megabyte;
+    std::size_t chosen = 0;
+    for (; chosen + 1 < units.size() && count / size >= 1000; ++chosen)
+        size *= 1000;
+    const std::int64_t tenths = count / (size / 10);
+    const auto name = units.at(chosen).shortName;
+    return tenths < 100 ? fmt::format("{}.{} {}", tenths / 10, tenths % 10, name)
+                        : fmt::format("{} {}", tenths / 10, name);
+}
+
+std::string percent(double share) {
+    if (!(share > 0)) return "0%";
+    constexpr double roundingError = 1e-9;  // 0.29 times 100 is a little less than 29
+    const double whole = std::floor(share * 100 + roundingError);
+    return whole < 1 ? "less than 1%" : fmt::format("{:.0f}%", whole);
+}
+
 }  // namespace vostrel::SpaceFormat

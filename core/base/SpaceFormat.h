@@ -15,4 +15,10 @@ namespace vostrel::SpaceFormat {
 /// "up to 1.5 GB"; below a million bytes as `bytes` says it.
 [[nodiscard]] std::string upTo(std::int64_t count);
 
+/// As `bytes`, but rounded down: for free space, of which nobody should be told more than there is.
+[[nodiscard]] std::string bytesFloor(std::int64_t count);
+
+/// A share of 0 to 1 in whole percent, rounded down: "19%"; "less than 1%" below one, "0%" for none.
+[[nodiscard]] std::string percent(double share);
+
 }  // namespace vostrel::SpaceFormat

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 
 #include "base/SpaceFormat.h"
@@ -31,6 +32,26 @@ TEST(SpaceFormatTest, writesAmountsAsPeopleReadThem) {
     EXPECT_EQ(SpaceFormat::upTo(1'000'000), "up to 1.0 MB");
     EXPECT_EQ(SpaceFormat::upTo(999'999), "less than 1 MB");
     EXPECT_EQ(SpaceFormat::upTo(0), "0 MB");
+}
+
+TEST(SpaceFormatTest, neverSaysMoreIsFreeThanThereIs) {
+    const std::pair<std::int64_t, const char*> table[] = {
+        {-1, "0 MB"},
+        {999'999, "less than 1 MB"},
+        {9'999'999, "9.9 MB"},
+        {10'999'999, "10 MB"},
+        {999'999'999, "999 MB"},
+        {99'900'000'000, "99 GB"},
+        {1'000'000'000'000, "1.0 TB"},
+        {INT64_MAX, "9223 PB"},
+    };
+    for (const auto& [count, text] : table)
+        EXPECT_EQ(SpaceFormat::bytesFloor(count), text) << count;
+    const std::pair<double, const char*> shares[] = {{-0.5, "0%"}, {0, "0%"},           {0.0099, "less than 1%"},
+                                                     {0.01, "1%"}, {0.29, "29%"},       {0.1999, "19%"},
+                                                     {1, "100%"},  {std::nan(""), "0%"}};
+    for (const auto& [share, text] : shares)
+        EXPECT_EQ(SpaceFormat::percent(share), text) << share;
 }
 
 }  // namespace

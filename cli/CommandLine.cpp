@@ -51,6 +51,8 @@ CommandLine readCommandLine(int count, const char* const* arguments) {
     CLI::App app(summary, "vostrel");
     Request request;
     addGlobalOptions(app, request.options);
+    addSpaceCommand(app, request.command);
+    addSettingsCommands(app, request.command);
     addPresetsCommand(app, request.command);
     addRuleCommands(app, request.command);
     addPreviewCommand(app, request.command);

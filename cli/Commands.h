@@ -8,6 +8,8 @@ namespace vostrel::cli {
 
 /// Each group adds its commands to the command line; reading the line leaves the chosen one in `chosen`.
 
+void addSpaceCommand(CLI::App& app, Command& chosen);
+void addSettingsCommands(CLI::App& app, Command& chosen);
 void addRuleCommands(CLI::App& app, Command& chosen);
 void addPreviewCommand(CLI::App& app, Command& chosen);
 void addPresetsCommand(CLI::App& app, Command& chosen);

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include "base/SpaceFormat.h"
 #include "cleaning/CleanupPlanner.h"
@@ -13,6 +14,7 @@
 #include "cli/PlanDisplay.h"
 #include "cli/SampleHome.h"
 #include "cli/Session.h"
+#include "cli/SpaceDisplay.h"
 #include "platform/FileStatus.h"
 
 namespace vostrel::cli {
@@ -73,6 +75,7 @@ public:
 
     CommandResult run() {
         introduce();
+        if (auto shown = showSpace(); !shown) return shown;
         showRefusals();
         const Rule rule = oldDownloads(sample, session.clock());
         if (auto made = makeRule(rule); !made) return made;
@@ -96,6 +99,19 @@ private:
         session.output.line({"It was made for this run in " + sample.home().parent_path().native() +
                              ", where the clock stands 40 days ahead,"});
         session.output.line({"and goes again at the end. Nothing outside it is touched."});
+    }
+
+    CommandResult showSpace() {
+        heading("The free space here");
+        const AppSettings settings;
+        const auto reading = session.monitor(settings).tick(session.clock(), SpaceMonitor::Refresh::forced);
+        if (!reading) return failed(reading.error().sentence(sample.home()));
+        showReading(session.output, *reading, settings);
+        std::error_code failure;
+        const auto total = std::filesystem::space(sample.home(), failure).capacity;
+        const bool agrees = !failure && std::cmp_equal(reading->capacity.total, total);
+        claims.push_back({"the size of the disk is what the system says", agrees});
+        return {};
     }
 
     void showRefusals() {

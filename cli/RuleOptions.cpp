@@ -9,6 +9,7 @@
 #include "cli/Amounts.h"
 #include "cli/ChosenFiles.h"
 #include "cli/ParsedOption.h"
+#include "cli/StoredWord.h"
 #include "rules/RuleFields.h"
 
 namespace vostrel::cli {
@@ -22,18 +23,6 @@ constexpr int manyValues = 1'000'000;
 
 CLI::Option* takesMany(CLI::Option* option) {
     return option->expected(1, manyValues)->allow_extra_args(false);
-}
-
-/// One of the words under which an enumeration is stored.
-template <class Enumeration>
-Parsed<Enumeration> parseWord(std::string_view text) {
-    std::string words;
-    for (const auto& entry : JSONNames<Enumeration>::list) {
-        if (entry.name == text) return entry.value;
-        words += words.empty() ? "" : ", ";
-        words += entry.name;
-    }
-    return std::unexpected("one of " + words + " is needed");
 }
 
 Parsed<std::string> anyText(std::string text) {

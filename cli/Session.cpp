@@ -8,10 +8,15 @@ Session::Session(Output& messages, Clock present, Places where)
       places(std::move(where)),
       guards(GuardSurroundings::of(places.home, places.accountHome, places.environment)),
       resolver(places.home, defaults, guards),
-      rules(places.data, clock, output) {}
+      rules(places.data, clock, output),
+      settings(places.data, clock, output) {}
 
 CleanupPlanner Session::planner() const {
     return {.guards = guards, .resolver = resolver, .catalog = catalog, .clock = clock};
+}
+
+SpaceMonitor Session::monitor(const AppSettings& chosen) const {
+    return {capacityReader, places.home, chosen};
 }
 
 std::string Session::approvingCommand(const Rule& rule) const {

@@ -9,7 +9,9 @@
 #include "cli/Places.h"
 #include "cli/Program.h"
 #include "cli/StoredRules.h"
+#include "cli/StoredSettings.h"
 #include "filesystem/PathGuards.h"
+#include "monitor/SpaceMonitor.h"
 #include "rules/PresetCatalog.h"
 #include "rules/TargetResolver.h"
 #include "stores/DefaultsReading.h"
@@ -32,8 +34,13 @@ public:
     const PathGuards guards;
     const TargetResolver resolver;
     const StoredRules rules;
+    const StoredSettings settings;
+    const SystemVolumeCapacityReader capacityReader{};
 
     [[nodiscard]] CleanupPlanner planner() const;
+
+    /// Measures the volume of the home folder. It must not outlive the session.
+    [[nodiscard]] SpaceMonitor monitor(const AppSettings& chosen) const;
 
     /// The command line that previews the rule in the same places and approves what it would do.
     [[nodiscard]] std::string approvingCommand(const Rule& rule) const;

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "filesystem/FileFacts.h"
-#include "filesystem/TrashInfo.h"
+#include "platform/TrashInfo.h"
 
 namespace vostrel {
 

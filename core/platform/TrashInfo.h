@@ -2,10 +2,19 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "base/Date.h"
 
 namespace vostrel {
+
+/// What the name of such a file has beside the name of its item.
+inline constexpr std::string_view trashInfoSuffix = ".trashinfo";
+
+/// The file's text for an item that lay at `place`, a path below the top of its disk in a disk's own Trash and an
+/// absolute one in the home's. The date is written in local time, to the second.
+[[nodiscard]] std::string trashInfoText(const std::filesystem::path& place, Date deleted);
 
 /// When the user threw away an item of a Trash as Linux desktops keep it: its "files" folder holds the items and the
 /// "info" folder beside it a ".trashinfo" file for each, with the date in local time. An hour that comes twice is read

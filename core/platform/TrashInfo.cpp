@@ -1,6 +1,7 @@
-#include "filesystem/TrashInfo.h"
+#include "platform/TrashInfo.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <charconv>
@@ -19,6 +20,35 @@
 namespace vostrel {
 
 namespace {
+
+constexpr std::string_view heading = "[Trash Info]";
+constexpr std::string_view dateKey = "DeletionDate=";
+
+/// Bytes that mean themselves; every other is written as "%0A".
+bool isPlain(char letter) {
+    const bool isLetter = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
+    return isLetter || (letter >= '0' && letter <= '9') || std::string_view("/-._~").contains(letter);
+}
+
+std::string percentEncoded(std::string_view path) {
+    std::string encoded;
+    for (const char letter : path) {
+        if (isPlain(letter)) {
+            encoded += letter;
+        } else {
+            encoded += fmt::format("%{:02X}", static_cast<unsigned char>(letter));
+        }
+    }
+    return encoded;
+}
+
+std::string localTime(Date date) {
+    const std::time_t seconds = date.seconds();
+    std::tm parts{};
+    ::localtime_r(&seconds, &parts);
+    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
+                       parts.tm_hour, parts.tm_min, parts.tm_sec);
+}
 
 /// The longest path, every byte of it written as "%41", and the rest of the file many times over.
 constexpr std::size_t longestFile = 65'536;
@@ -99,22 +129,25 @@ std::optional<Date> localDate(std::string_view text) {
 }
 
 std::optional<Date> dateIn(std::string_view content) {
-    constexpr std::string_view key = "DeletionDate=";
-    if (takeLine(content) != "[Trash Info]") return std::nullopt;
+    if (takeLine(content) != heading) return std::nullopt;
     while (!content.empty()) {
         const std::string_view line = takeLine(content);
         if (line.starts_with('[')) return std::nullopt;
-        if (line.starts_with(key)) return localDate(line.substr(key.size()));
+        if (line.starts_with(dateKey)) return localDate(line.substr(dateKey.size()));
     }
     return std::nullopt;
 }
 
 }  // namespace
 
+std::string trashInfoText(const std::filesystem::path& place, Date deleted) {
+    return fmt::format("{}\nPath={}\n{}{}\n", heading, percentEncoded(place.native()), dateKey, localTime(deleted));
+}
+
 std::optional<Date> deletionDate(const std::filesystem::path& item) {
     const OwnedDescriptor folder(openFolder(item.parent_path().parent_path() / "info"));
     if (!folder.isOpen() || !isTrusted(folder.get())) return std::nullopt;
-    const auto content = contentOf(folder.get(), item.filename().native() + ".trashinfo");
+    const auto content = contentOf(folder.get(), fmt::format("{}{}", item.filename().native(), trashInfoSuffix));
     return content ? dateIn(*content) : std::nullopt;
 }
 

@@ -56,6 +56,7 @@ CommandLine readCommandLine(int count, const char* const* arguments) {
     addPresetsCommand(app, request.command);
     addRuleCommands(app, request.command);
     addPreviewCommand(app, request.command);
+    addLogCommand(app, request.command);
     addAccessCommand(app, request.command);
     addDemoCommand(app, request.command);
     app.require_subcommand(0, 1);

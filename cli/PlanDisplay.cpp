@@ -6,6 +6,7 @@
 #include <map>
 #include <vector>
 
+#include "base/LocalTime.h"
 #include "base/SpaceFormat.h"
 #include "cli/RuleText.h"
 #include "rules/ArtifactFacts.h"

@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "base/LocalTime.h"
 #include "cli/RuleText.h"
 #include "rules/RuleFields.h"
 

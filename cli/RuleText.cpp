@@ -1,11 +1,9 @@
 #include "cli/RuleText.h"
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include <array>
-#include <ctime>
 #include <utility>
 
 #include "base/Visit.h"
@@ -160,17 +158,6 @@ std::string approvalText(ApprovalState state) {
             return "its folders changed since it was approved";
     }
     return {};
-}
-
-std::string localDay(Date date) {
-    return localTime(date).substr(0, std::string_view("2025-03-03").size());
-}
-
-std::string localTime(Date date) {
-    const std::time_t seconds = date.seconds();
-    std::tm local = {};
-    if (localtime_r(&seconds, &local) == nullptr) return "unknown";
-    return fmt::format("{:%Y-%m-%d %H:%M}", local);
 }
 
 }  // namespace vostrel::cli

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "base/Date.h"
 #include "cleaning/CleanupPlanner.h"
 #include "rules/Preset.h"
 #include "rules/Rule.h"
@@ -32,9 +31,5 @@ enum class ApprovalState { none, current, ruleChanged, foldersChanged };
 /// Whether the rule is as its stored approval has it, and its folders are now.
 [[nodiscard]] ApprovalState approvalState(const Rule& rule, const CleanupPlanner& planner);
 [[nodiscard]] std::string approvalText(ApprovalState state);
-
-/// In local time: "2025-03-03", "2025-03-03 09:05".
-[[nodiscard]] std::string localDay(Date date);
-[[nodiscard]] std::string localTime(Date date);
 
 }  // namespace vostrel::cli

@@ -9,7 +9,8 @@ Session::Session(Output& messages, Clock present, Places where)
       guards(GuardSurroundings::of(places.home, places.accountHome, places.environment)),
       resolver(places.home, defaults, guards),
       rules(places.data, clock, output),
-      settings(places.data, clock, output) {}
+      settings(places.data, clock, output),
+      log(places.data / "Log") {}
 
 CleanupPlanner Session::planner() const {
     return {.guards = guards, .resolver = resolver, .catalog = catalog, .clock = clock};

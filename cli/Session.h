@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "cleaning/CleanLog.h"
 #include "cleaning/CleanupPlanner.h"
 #include "cli/CommandLine.h"
 #include "cli/Output.h"
@@ -36,6 +37,7 @@ public:
     const StoredRules rules;
     const StoredSettings settings;
     const SystemVolumeCapacityReader capacityReader{};
+    const CleanLog log;
 
     [[nodiscard]] CleanupPlanner planner() const;
 

@@ -123,6 +123,9 @@ struct JSONCoder<std::optional<Value>> {
         if (value.isNull()) return std::nullopt;
         return decodeJSON<Value>(value);
     }
+    static Decoded<std::optional<Value>> decodeReadable(const JSONValue& value) {
+        return JSONCoder<Value>::decodeReadable(value);
+    }
 };
 
 template <class Element>

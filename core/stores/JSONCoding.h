@@ -35,6 +35,14 @@ private:
 /// Reads one JSON text, which must be well formed to its last byte.
 class JSONDecoder {
 public:
+    /// Says of each key of the outermost object whether its value is wanted.
+    using WantedKeys = bool (*)(std::string_view key);
+
+    JSONDecoder() = default;
+    /// A decoder that passes over whatever is not wanted without building it: of such a value only the brackets and
+    /// strings are looked at.
+    explicit JSONDecoder(WantedKeys choice) : wanted(choice) {}
+
     [[nodiscard]] Decoded<JSONValue> decode(std::string_view bytes) const;
 
     template <class Value>
@@ -43,12 +51,16 @@ public:
         if (!value) return std::unexpected(value.error());
         return decodeJSON<Value>(*value);
     }
+
+private:
+    WantedKeys wanted = [](std::string_view) { return true; };
 };
 
 /// The one JSON convention of the system. Stateless; any thread.
 struct JSONCoding {
     [[nodiscard]] static JSONEncoder encoder(JSONLayout layout) { return JSONEncoder(layout); }
     [[nodiscard]] static JSONDecoder decoder() { return {}; }
+    [[nodiscard]] static JSONDecoder decoder(JSONDecoder::WantedKeys wanted) { return JSONDecoder(wanted); }
 };
 
 }  // namespace vostrel

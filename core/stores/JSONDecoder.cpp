@@ -16,6 +16,8 @@ std::unexpected<JSONError> damaged(simdjson::error_code error) {
 
 class JSONReader {
 public:
+    explicit JSONReader(JSONDecoder::WantedKeys choice) : wanted(choice) {}
+
     Decoded<JSONValue> read(simdjson::simdjson_result<simdjson::ondemand::value> found) {
         simdjson::ondemand::value value;
         if (const auto error = found.get(value)) return damaged(error);
@@ -62,6 +64,7 @@ private:
         for (auto field : found) {
             std::string_view key;
             if (const auto error = field.unescaped_key().get(key)) return damaged(error);
+            if (depth == 1 && !wanted(key)) continue;
             auto read = this->read(field.value());
             if (!read) return std::unexpected(std::move(read).error().under(key));
             members.emplace_back(std::string(key), std::move(*read));
@@ -85,12 +88,12 @@ private:
         return jsonFault("It has a word or number that JSON does not know.");
     }
 
+    JSONDecoder::WantedKeys wanted;
     int depth = 0;
 };
 
 }  // namespace
 
-// NOLINTNEXTLINE(readability-convert-member-functions-to-static): asked as an encoder is
 Decoded<JSONValue> JSONDecoder::decode(std::string_view bytes) const {
     // As the one element of a list, so that a text of a single word or number is read like any other value.
     simdjson::padded_string text(bytes.size() + 2);
@@ -104,7 +107,7 @@ Decoded<JSONValue> JSONDecoder::decode(std::string_view bytes) const {
     std::optional<Decoded<JSONValue>> content;
     for (auto value : values) {
         if (content) return jsonFault("More than one value follows another.");
-        content = JSONReader().read(value);
+        content = JSONReader(wanted).read(value);
         if (!*content) return std::move(*content);
     }
     if (!content) return jsonFault("There is no value.");

@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <span>
 #include <tuple>
 #include <vector>
 
@@ -41,20 +40,6 @@ std::expected<std::string, int> readToEnd(int openFile) {
             return std::unexpected(errno);
         }
     }
-}
-
-std::expected<void, int> writeAll(int openFile, std::string_view bytes, const FileWriter& writer) {
-    auto rest = std::as_bytes(std::span(bytes));
-    while (!rest.empty()) {
-        errno = 0;
-        const ssize_t count = writer(openFile, rest.data(), rest.size());
-        if (count > 0) {
-            rest = rest.subspan(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            return std::unexpected(errno != 0 ? errno : EIO);
-        }
-    }
-    return {};
 }
 
 /// A file that is gone at the end unless it was renamed to its place.
@@ -111,10 +96,6 @@ std::unexpected<StoreError> failure(StoreError::Failure kind, int code, std::str
 }
 
 }  // namespace
-
-ssize_t systemWrite(std::int32_t descriptor, const std::byte* bytes, std::size_t count) {
-    return ::write(descriptor, bytes, count);
-}
 
 std::expected<std::string, SystemError> StoredFile::read() const {
     const auto failed = [&](int code) { return std::unexpected(SystemError{code, "read", path()}); };

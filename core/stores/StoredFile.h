@@ -1,26 +1,18 @@
 #pragma once
 
-#include <sys/types.h>
-
-#include <cstddef>
 #include <cstdint>
 #include <expected>
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "base/Date.h"
 #include "base/SystemError.h"
+#include "stores/FileWriting.h"
 #include "stores/StoreError.h"
 
 namespace vostrel {
-
-/// Writes bytes to a descriptor as write(2) does, short writes and `errno` included.
-using FileWriter = std::function<ssize_t(std::int32_t descriptor, const std::byte* bytes, std::size_t count)>;
-
-[[nodiscard]] ssize_t systemWrite(std::int32_t descriptor, const std::byte* bytes, std::size_t count);
 
 /// One file as bytes: read whole, moved aside when damaged, and replaced as a whole or not at all.
 ///

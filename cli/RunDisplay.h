@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include "cleaning/RunReport.h"
+#include "cli/Output.h"
+#include "filesystem/PathGuards.h"
+#include "stores/JSONValue.h"
+
+namespace vostrel::cli {
+
+/// The log's list: a run each, when it began, its rule, what came of it, and the beginning of its id.
+void showRuns(Output& output, const std::vector<RunReport>& runs);
+
+/// One run with all its items, so that a person could undo what can be undone: what lies where in the Trash, what is
+/// gone for good, what stayed and why.
+void showRun(Output& output, const PathGuards& guards, const RunReport& run);
+
+/// A run as its JSON document in a list, without its long lists.
+[[nodiscard]] JSONValue summaryDocumentOf(const RunReport& run);
+
+}  // namespace vostrel::cli

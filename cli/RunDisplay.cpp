@@ -105,7 +105,8 @@ void showFacts(Output& output, const PathGuards& guards, const RunReport& run) {
 
 void showOutcome(Output& output, const PathGuards& guards, const ItemOutcome& outcome) {
     output.line({"  " + guards.displayPath(outcome.path), {"  " + SpaceFormat::bytes(outcome.bytes), Style::dim}});
-    if (outcome.trashPath) output.line({"    now " + guards.displayPath(*outcome.trashPath)});
+    if (outcome.status == Status::trashed && outcome.trashPath)
+        output.line({"    moved to " + guards.displayPath(*outcome.trashPath)});
     if (outcome.message) output.line({{"    " + *outcome.message, Style::dim}});
 }
 

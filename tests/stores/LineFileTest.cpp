@@ -10,8 +10,8 @@
 #include <sstream>
 #include <tuple>
 
-#include "stores/LineFile.h"
 #include "platform/OwnedDescriptor.h"
+#include "stores/LineFile.h"
 #include "support/TemporaryFolder.h"
 
 namespace vostrel {

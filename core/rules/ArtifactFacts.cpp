@@ -49,16 +49,17 @@ std::string digits(int count) {
 }
 
 // What a person makes and no tool of the table leaves anywhere, not even in a package.
-const Names documents{
-    "*.doc",     "*.docx", "*.docm",  "*.odt",   "*.ods",  "*.odp",      "*.odg",      "*.rtf",   "*.pages",
-    "*.numbers", "*.xls",  "*.xlsx",  "*.xlsm",  "*.ppt",  "*.pptx",     "*.tex",      "*.bib",   "*.epub",
-    "*.mobi",    "*.djvu", "*.scriv", "*.vsd",   "*.vsdx", "*.xmind",    "*.sketch",   "*.fig",   "*.xd",
-    "*.psd",     "*.ai",   "*.indd",  "*.xcf",   "*.kra",  "*.afphoto",  "*.afdesign", "*.blend", "*.stl",
-    "*.3mf",     "*.step", "*.dwg",   "*.dxf",   "*.skp",  "*.ipynb",    "*.pst",      "*.mbox",  "*.kdbx",
-    "*.kdb",     "*.heic", "*.heif",  "*.cr2",   "*.cr3",  "*.nef",      "*.arw",      "*.dng",   "*.orf",
-    "*.rw2",     "*.raf",  "*.mov",   "*.avi",   "*.mkv",  "*.m4v",      "*.mts",      "*.wmv",   "*.aiff",
-    "*.logicx",  "*.band", "*.als",   "*.dmg",   "*.iso",  "*.appimage", "*.ova",      "*.vmdk",  "*.qcow2",
-    "*.vdi",     "*.rar",  "*.bak",   "*.unity", "*.gpx",  "*.ipa",      "*.aab",      "*.msi",   "*.xcarchive"};
+const Names documents{"*.doc",       "*.docx",     "*.docm",  "*.odt",    "*.ods",      "*.odp",  "*.odg",  "*.rtf",
+                      "*.pages",     "*.numbers",  "*.xls",   "*.xlsx",   "*.xlsm",     "*.ppt",  "*.pptx", "*.tex",
+                      "*.bib",       "*.epub",     "*.mobi",  "*.djvu",   "*.scriv",    "*.vsd",  "*.vsdx", "*.xmind",
+                      "*.sketch",    "*.fig",      "*.xd",    "*.psd",    "*.ai",       "*.indd", "*.xcf",  "*.kra",
+                      "*.afphoto",   "*.afdesign", "*.blend", "*.stl",    "*.3mf",      "*.step", "*.dwg",  "*.dxf",
+                      "*.skp",       "*.ipynb",    "*.pst",   "*.mbox",   "*.kdbx",     "*.kdb",  "*.heic", "*.heif",
+                      "*.cr2",       "*.cr3",      "*.nef",   "*.arw",    "*.dng",      "*.orf",  "*.rw2",  "*.raf",
+                      "*.mov",       "*.avi",      "*.mkv",   "*.m4v",    "*.mts",      "*.wmv",  "*.aiff", "*.logicx",
+                      "*.band",      "*.als",      "*.dmg",   "*.iso",    "*.appimage", "*.ova",  "*.vmdk", "*.qcow2",
+                      "*.vdi",       "*.rar",      "*.bak",   "*.unity",  "*.gpx",      "*.ipa",  "*.aab",  "*.msi",
+                      "*.xcarchive", "id_rsa",     "id_dsa",  "id_ecdsa", "id_ed25519"};
 
 // What packages and examples may bring along, but what compilers and bundlers do not make.
 const Names belongings = joined(
@@ -71,6 +72,10 @@ const Names belongings = joined(
       "*.jks",       "*.gpg",    "*.asc",     "*.sh",       "*.bash",  "*.zsh",  "*.fish",  "*.bat",   "*.ps1",
       "*.py",        "*.rb",     "*.php",     "*.pl",       "*.lua",   "*.go",   "*.cs",    "*.scala", "*.clj",
       "*.hs",        "*.tsx",    "*.jsx",     "*.svelte",   "*.astro", "*.scss", "*.sass",  "*.less",  "CNAME"}});
+
+// What people write, and no tool into a folder of its own; compilers do, in places that they name.
+const Names writings{"*.md", "*.txt"};
+const Names sources{"*.swift", "*.c", "*.cc", "*.cpp", "*.cxx", "*.m", "*.mm", "*.java", "*.kt", "*.rs", "*.ts"};
 
 std::vector<Marker> files(const Names& names) {
     std::vector<Marker> markers;
@@ -103,13 +108,13 @@ Names cargoFiles() {
     const Names profile{".cargo-lock",
                         ".cargo-artifact-lock",
                         ".cargo-build-lock",
-                        "*.d",
+                        "LIST",
                         "PROGRAM",
                         ".fingerprint/" + hash + "/**",
                         "build/" + hash + "/**",
                         "deps/" + hash,
                         "deps/" + hash + ".*",
-                        "examples/*.d",
+                        "examples/LIST",
                         "examples/PROGRAM",
                         "examples/" + hash,
                         "examples/" + hash + ".*",
@@ -144,6 +149,7 @@ const Names mavenFiles{"*-[0-9]*.jar",
                        "failsafe-reports/TEST-*.xml",
                        "failsafe-reports/failsafe-summary.xml"};
 
+// Copies of the project's resources may lie in "resources" as well.
 // Not what is released from it: "distributions", "install", "publications", signed packages and their mappings. Nor
 // folders with names that people like, unless the tool's own files are known: "docs", "reports", "scripts".
 const Names gradleFiles{"classes/**/*.class",
@@ -164,8 +170,8 @@ const Names gradleFiles{"classes/**/*.class",
                         "reports/tests/**/*.css",
                         "reports/tests/**/*.html",
                         "reports/tests/**/*.js",
-                        "resources/main/**",
-                        "resources/test/**",
+                        "resources/*/**/*.properties",
+                        "resources/*/META-INF/**",
                         "test-results/**/*.bin",
                         "test-results/**/*.xml",
                         "tmp/*ar/MANIFEST.MF",
@@ -186,23 +192,30 @@ const Names gradleCacheFiles =
                    "fileHashes/resourceHashesCache.bin", "javaCompile/*.bin", "javaCompile/javaCompile.lock",
                    "vcsMetadata/"})});
 
-const Names swiftFiles{
-    "workspace-state.json", ".lock",          "debug",        "release",      "debug.yaml",       "release.yaml",
-    "plugin-tools.yaml",    "build.db",       "build.db-shm", "build.db-wal", "manifest.db",      "artifacts/**",
-    "checkouts/***",        "index-build/**", "plugins/**",   "prebuilts/**", "repositories/***", "SYSTEM/debug/**",
-    "SYSTEM/release/**"};
+Names swiftFiles() {
+    const Names build{"**", "swift-version-*.txt", "*.build/DerivedSources/**/*.swift", "*.derived/*.swift"};
+    const Names builds = joined({below({"SYSTEM/debug", "SYSTEM/release"}, build), {"plugins/outputs/**/*.swift"}});
+    return joined({{"workspace-state.json", ".lock", "debug", "release", "debug.yaml", "release.yaml",
+                    "plugin-tools.yaml", "build.db", "build.db-shm", "build.db-wal", "manifest.db", "artifacts/**",
+                    "checkouts/*/***", "index-build/**", "plugins/**", "prebuilts/**", "repositories/*/***"},
+                   builds,
+                   below({"index-build"}, joined({builds, {"build.db", "manifest.db"}}))});
+}
 
 // A project's folder ends in 28 letters.
 Names derivedDataFiles() {
-    const Names project{"info.plist",
-                        "Build/Intermediates.noindex/**",
-                        "Build/Products/**",
-                        "Index/**",
-                        "Index.noindex/**",
-                        "Logs/**",
-                        "OpenQuickly-ReferencedFrameworks.noindex/**",
-                        "SourcePackages/***",
-                        "TextIndex/**"};
+    const Names intermediates =
+        below({"Build/Intermediates.noindex", "Index.noindex/Build/Intermediates.noindex"},
+              {"**", "**/DerivedSources/**/*.swift", "**/DerivedSources/**/*.c", "**/DerivedSources/**/*.m",
+               "XCBuildData/build.db", "XCBuildData/**/target-graph.txt"});
+    const Names project =
+        joined({intermediates,
+                {"info.plist", "Build/Products/**", "Index/**", "Index.noindex/**", "Logs/*/*.plist",
+                 "Logs/*/*.xcactivitylog", "Logs/*/*.xcresult/**", "Logs/*/*.xcresult/database.sqlite3",
+                 "Logs/*/Cache.db", "OpenQuickly-ReferencedFrameworks.noindex/**", "SourcePackages/manifest.db",
+                 "SourcePackages/workspace-state.json", "SourcePackages/artifacts/**", "SourcePackages/checkouts/*/***",
+                 "SourcePackages/plugins/**", "SourcePackages/prebuilts/**", "SourcePackages/repositories/*/***",
+                 "TextIndex/**"}});
     return joined({project,
                    below({"*-" + repeated("[a-z]", 28)}, project),
                    {"CompilationCache.noindex/**", "ModuleCache/**", "ModuleCache.noindex/**",
@@ -270,7 +283,8 @@ std::vector<Row> rows() {
                           "diagnostics/**",
                           "server/**",
                           "static/**",
-                          "types/**"}}}},
+                          "types/**"}}},
+         .neverHolds = joined({belongings, writings})},
 
         {.kind = ArtifactKind::nuxtBuild,
          .title = "Nuxt build",
@@ -312,7 +326,8 @@ std::vector<Row> rows() {
                           "schema/nuxt.schema.*",
                           "types/**/*.d.ts",
                           "views/app.template.html",
-                          "views/error.html"}}}},
+                          "views/error.html"}}},
+         .neverHolds = joined({belongings, writings})},
 
         // Its config.json and the like are settings; a folder with one stays. Logs alone are no proof.
         {.kind = ArtifactKind::turboCache,
@@ -359,7 +374,10 @@ std::vector<Row> rows() {
                        below({"*/browser"}, hashedBundles)})},
               {"Astro",
                Marker::fileMatching("astro.config.*"),
-               {Signature::allOf({Signature::file("index.html"), Signature::folder("_astro")})},
+               {Signature::allOf({Signature::file("index.html"),
+                                  Signature::inside("_astro",
+                                                    Signature::anyOf({Signature::fileMatching("*.????????.css"),
+                                                                      Signature::fileMatching("*.????????.js")}))})},
                {"index.html", "404.html", "_astro/*.HASH.css", "_astro/*.HASH.js"}}}},
 
         {.kind = ArtifactKind::target,
@@ -385,7 +403,8 @@ std::vector<Row> rows() {
                              {Signature::file("workspace-state.json"),
                               Signature::anyOf({Signature::folder("checkouts"), Signature::folder("repositories"),
                                                 Signature::anyOf(foldersOfSystems())})})},
-                         swiftFiles}},
+                         swiftFiles(),
+                         joined({belongings, writings, sources})}},
          .neverHolds = documents},
 
         // Every pod must stand in the manifest as well.
@@ -466,7 +485,8 @@ std::vector<Row> rows() {
                          {Signature::allOf(
                               {Signature::file("info.plist"), Signature::folder("Build"), Signature::folder("Logs")}),
                           Signature::inside("*-" + repeated("[a-z]", 28), Signature::file("info.plist"))},
-                         derivedDataFiles()}},
+                         derivedDataFiles(),
+                         joined({belongings, writings, sources})}},
          .neverHolds = documents},
     };
 }
@@ -515,7 +535,7 @@ struct Table {
             made.markerBits |= markers.add(marker);
         for (const ToolSignature& signature : row.signatures) {
             made.tools.push_back({signature.marker ? markers.add(*signature.marker) : ArtifactMarkers(),
-                                  ArtifactLayout::compile(signature.own)});
+                                  ArtifactLayout::compile(signature.own, signature.notInRuns)});
         }
         made.markers = std::move(row.markers);
         made.signatures = std::move(row.signatures);
@@ -550,6 +570,7 @@ std::string ArtifactFacts::definition() const {
         if (signature.marker) text += " " + signature.marker->location();
         text += ": " + Signature::anyOf(signature.anyOf).description();
         text += ", files " + listed(signature.own);
+        if (!signature.notInRuns.empty()) text += ", only where named " + listed(signature.notInRuns);
         if (std::ranges::any_of(signature.own, [](const auto& line) { return line.starts_with("SYSTEM/"); }))
             text += ", systems " + listed(ArtifactLayout::systems());
     }

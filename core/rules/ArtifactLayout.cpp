@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <optional>
 
 namespace vostrel {
 
@@ -11,16 +12,62 @@ namespace {
 constexpr std::string_view hashWord = "HASH";
 constexpr std::size_t hashLength = 8;
 
-/// Eight letters, digits, "-" or "_"; not digits only, which may be a date, nor letters such as a word has them.
+// What Cargo makes in a profile's folder.
+constexpr std::array<std::string_view, 11> programExtensions{"",     ".a",    ".dll",   ".dylib", ".exe", ".lib",
+                                                             ".pdb", ".rlib", ".rmeta", ".so",    ".wasm"};
+
+constexpr std::string_view listExtension = ".d";
+
+std::size_t countOf(std::string_view text, int (*isOne)(int)) {
+    const auto* end =
+        std::ranges::find_if(text, [&](char each) { return isOne(static_cast<unsigned char>(each)) == 0; });
+    return static_cast<std::size_t>(end - text.begin());
+}
+
+/// Whether people write that: a letter, a version, or words and numbers one after the other ("2024Jan", "homePage2").
+bool isOfWords(std::string_view text) {
+    const auto start = countOf(text, ::isalpha);
+    if (text.size() == 1 || (start < text.size() && start + countOf(text.substr(start), ::isdigit) == text.size()))
+        return true;
+    while (!text.empty()) {
+        auto capitals = countOf(text, ::isupper);
+        auto lowers = countOf(text.substr(capitals), ::islower);
+        if (capitals > 1 && lowers > 0) {  // the last one begins the next word
+            --capitals;
+            lowers = 0;
+        }
+        const auto letters = capitals + lowers;
+        const auto digits = countOf(text.substr(letters), ::isdigit);
+        const bool isVersion = letters == 1 && digits > 0 && (text.front() == 'v' || text.front() == 'V');
+        const bool isWord = letters > 1 && (lowers > 0 || digits == 0);
+        if (letters > 0 && !isVersion && !isWord) return false;
+        text.remove_prefix(letters + digits);
+    }
+    return true;
+}
+
+/// Eight letters, digits, "-" or "_" that are not merely words, versions and dates.
 bool isHash(std::string_view text) {
-    const auto isOneOf = [](auto test) {
-        return [test](char each) { return test(static_cast<unsigned char>(each)) != 0; };
-    };
-    const auto isPart = [&](char each) { return isOneOf(::isalnum)(each) || each == '-' || each == '_'; };
-    const bool isWord = std::ranges::all_of(text.substr(1), isOneOf(::islower));
-    const auto letters = std::ranges::find_if_not(text, isOneOf(::isalpha));
-    const bool isWordAndNumber = std::all_of(letters, text.end(), isOneOf(::isdigit)) && letters != text.end();
-    return std::ranges::all_of(text, isPart) && !isWord && !isWordAndNumber;
+    const auto isSeparator = [](char each) { return each == '-' || each == '_'; };
+    bool isOfHash = false;
+    while (!text.empty()) {
+        const auto length = countOf(text, ::isalnum);
+        if (length == 0 && !isSeparator(text.front())) return false;
+        isOfHash = isOfHash || !isOfWords(text.substr(0, length));
+        text.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+    return isOfHash;
+}
+
+bool hasBeside(std::span<const std::string> beside, const std::string& name) {
+    return std::ranges::binary_search(beside, name);
+}
+
+/// A program's name without its ending; nothing when no program ends so.
+std::optional<std::string> programName(std::string_view file) {
+    const auto dot = std::min(file.rfind('.'), file.size());
+    if (std::ranges::find(programExtensions, file.substr(dot)) == programExtensions.end()) return std::nullopt;
+    return std::string(file.substr(0, dot));
 }
 
 Glob::Patterns patternOf(std::string_view text) {
@@ -72,8 +119,9 @@ const std::vector<std::string>& ArtifactLayout::systems() {
     return names;
 }
 
-ArtifactLayout ArtifactLayout::compile(std::span<const std::string> lines) {
+ArtifactLayout ArtifactLayout::compile(std::span<const std::string> lines, std::span<const std::string> notInRuns) {
     ArtifactLayout layout;
+    layout.onlyNamed = Glob::Patterns::compile(notInRuns).value_or(Glob::Patterns());
     for (std::string_view rest : lines) {
         Line& line = layout.allowed.emplace_back();
         for (auto slash = rest.find('/'); slash != std::string_view::npos; slash = rest.find('/')) {
@@ -90,6 +138,7 @@ ArtifactLayout::Part ArtifactLayout::partOf(std::string_view text) {
     if (text == "**") return {Part::Form::anything, {}, {}};
     if (text == "***") return {Part::Form::anythingAndRepositories, {}, {}};
     if (text == "PROGRAM") return {Part::Form::program, {}, {}};
+    if (text == "LIST") return {Part::Form::list, {}, {}};
     if (text == "SYSTEM") return {Part::Form::name, Glob::Patterns::compile(systems()).value_or(Glob::Patterns()), {}};
     const auto hash = text.find(hashWord);
     if (hash == std::string_view::npos) return {Part::Form::name, patternOf(text), {}};
@@ -106,8 +155,15 @@ bool ArtifactLayout::Part::matches(std::string_view text, std::span<const std::s
             return isHash(text.substr(text.size() - hashLength)) &&
                    name.matchesAny(text.substr(0, text.size() - hashLength));
         }
-        case Form::program:
-            return std::ranges::find(beside, std::string(text.substr(0, text.rfind('.'))) + ".d") != beside.end();
+        case Form::program: {
+            auto program = programName(text);
+            return program && hasBeside(beside, *program += listExtension);
+        }
+        case Form::list:
+            return text.ends_with(listExtension) && std::ranges::any_of(programExtensions, [&](auto extension) {
+                       return hasBeside(beside,
+                                        std::string(text.substr(0, text.size() - listExtension.size())) += extension);
+                   });
         case Form::nothing:
             return false;
         case Form::anything:
@@ -117,31 +173,45 @@ bool ArtifactLayout::Part::matches(std::string_view text, std::span<const std::s
     return false;
 }
 
-bool ArtifactLayout::matches(std::span<const Part> line, Path path, std::span<const std::string> beside) {
-    if (line.empty()) return path.empty();
-    const bool isRun =
-        line.front().form == Part::Form::anything || line.front().form == Part::Form::anythingAndRepositories;
-    if (!isRun) {
-        return !path.empty() && line.front().matches(path.front(), beside) &&
-               matches(line.subspan(1), path.subspan(1), beside);
+ArtifactLayout::Place ArtifactLayout::top() const {
+    Place place(*this);
+    for (const Line& line : allowed)
+        place.add(line);
+    return place;
+}
+
+ArtifactLayout::Place ArtifactLayout::Place::within(std::string_view folder) const {
+    Place place(*layout);
+    for (const Rest rest : rests) {
+        if (rest.front().isRun()) {
+            place.add(rest);
+        } else if (rest.size() > 1 && rest.front().matches(folder, {})) {
+            place.add(rest.subspan(1));
+        }
     }
-    if (line.size() == 1) return !path.empty();
-    return matches(line.subspan(1), path, beside) || (!path.empty() && matches(line, path.subspan(1), beside));
+    return place;
 }
 
-bool ArtifactLayout::holdsFile(Path path, std::span<const std::string> beside) const {
-    return std::ranges::any_of(allowed, [&](const Line& line) { return matches(line, path, beside); });
+/// A run may be of no folders at all.
+void ArtifactLayout::Place::add(Rest rest) {
+    const bool isKnown = std::ranges::any_of(
+        rests, [&](Rest known) { return known.data() == rest.data() && known.size() == rest.size(); });
+    if (isKnown) return;
+    rests.push_back(rest);
+    if (rest.front().isRun() && rest.size() > 1) add(rest.subspan(1));
 }
 
-bool ArtifactLayout::holdsFolder(std::string_view name) const {
-    return std::ranges::any_of(allowed,
-                               [&](const Line& line) { return line.size() > 1 && line.front().matches(name, {}); });
-}
-
-bool ArtifactLayout::holdsRepository(Path folder) const {
-    return std::ranges::any_of(allowed, [&](const Line& line) {
-        return line.back().form == Part::Form::anythingAndRepositories && matches(line, folder, {});
+bool ArtifactLayout::Place::holdsFile(std::string_view name, std::span<const std::string> beside) const {
+    return std::ranges::any_of(rests, [&](Rest rest) {
+        if (rest.size() > 1) return false;
+        const bool isFree = rest.front().form == Part::Form::anything;
+        return rest.front().matches(name, beside) && !(isFree && layout->onlyNamed.matchesAny(name));
     });
+}
+
+bool ArtifactLayout::Place::mayBeRepository() const {
+    return std::ranges::any_of(
+        rests, [](Rest rest) { return rest.size() == 1 && rest.front().form == Part::Form::anythingAndRepositories; });
 }
 
 }  // namespace vostrel

@@ -8,9 +8,10 @@
 #include <vector>
 
 #include "filesystem/FileIdentity.h"
-#include "filesystem/FolderReader.h"
 #include "filesystem/FolderSource.h"
 #include "rules/ArtifactFacts.h"
+#include "rules/ArtifactLists.h"
+#include "rules/ArtifactReader.h"
 #include "rules/SkipReason.h"
 
 namespace vostrel {
@@ -21,7 +22,9 @@ namespace vostrel {
 /// object.
 class ArtifactRecognition {
 public:
-    /// `mustStop` ends a listing early; what was not listed to its end is not recognised.
+    ArtifactRecognition(const ArtifactRecognition&) = delete;
+    ArtifactRecognition& operator=(const ArtifactRecognition&) = delete;
+    /// `stopTest` ends the looking early; what was not looked at to its end is not recognised.
     ArtifactRecognition(FolderSource& from, std::optional<WalkVolume> onVolume, std::function<bool()> stopTest);
 
     /// The folder's identity if it is one of that kind, with these markers in the folder around it. `folder` is an
@@ -30,9 +33,9 @@ public:
                                                         const ArtifactMarkers& beside);
 
     /// Whether a recognised folder holds nothing but what the tool put there and can make again, as far as that can be
-    /// told: every file lies where the tool's files lie, there is no repository but where the tool clones them, every
-    /// package stands in the list that its manager keeps, and every compiled Python module has its source beside the
-    /// folder. Looks at everything in it, so it is asked only of a folder that would go.
+    /// told: every file lies where the tool's files lie, there is no repository but where the tool clones them, and
+    /// what its tool keeps a list of stands in that, as `ArtifactLists` says. Looks at everything in it, so it is asked
+    /// only of a folder that would go.
     [[nodiscard]] bool canBeMadeAgain(const std::string& folder, ArtifactKind kind);
 
     /// Whether the folder, an absolute path without links, or one around it has a build folder's name with one of that
@@ -40,35 +43,19 @@ public:
     [[nodiscard]] bool liesInBuildFolder(const std::filesystem::path& folder);
 
     /// Why the last answer was no, where that was not seen but could not be.
-    [[nodiscard]] std::optional<SkipReason> trouble() const { return troubled; }
+    [[nodiscard]] std::optional<SkipReason> trouble() const { return reader.trouble(); }
 
 private:
-    class Content;
-    struct PackageList;
-
-    [[nodiscard]] std::optional<Content> contentOf(const std::string& folder);
-    [[nodiscard]] std::optional<Content> contentOf(const std::string& folder,
-                                                   const std::optional<WalkVolume>& onVolume);
     [[nodiscard]] bool isMarked(const std::string& project, ArtifactKind kind);
-    [[nodiscard]] bool isCacheFolderTag(const std::string& file);
-    [[nodiscard]] std::optional<std::string> textOf(const std::string& file);
-    [[nodiscard]] bool isFile(const std::string& path);
-    [[nodiscard]] bool holdsOnly(const ArtifactLayout& own, const std::set<std::string>& listed,
-                                 const std::string& folder, std::vector<std::string>& path);
-    [[nodiscard]] bool holdsListedPackages(const std::string& folder);
-    [[nodiscard]] bool holdsPackages(const std::string& folder, const std::string& place, const PackageList& installed);
-    [[nodiscard]] bool holdsStoredPackages(const std::string& folder);
-    [[nodiscard]] bool holdsOnlyLinks(const std::string& folder, const std::string& butFolder = {});
-    [[nodiscard]] bool holdsPods(const std::string& folder);
-    [[nodiscard]] bool holdsCompiledSources(const std::string& folder);
-    [[nodiscard]] std::set<std::string> installedFiles(const std::string& environment);
-    [[nodiscard]] bool shows(const Content& content, const ArtifactSignature& signature);
+    [[nodiscard]] bool holdsOnlyNamesOf(const ArtifactLayout::Place& own, const ArtifactContent& content);
+    [[nodiscard]] bool holdsOnly(const ArtifactLayout::Place& own, const std::set<std::string>& listed,
+                                 const std::string& folder, const std::string& path, std::size_t depth);
+    [[nodiscard]] bool goesOn();
+    [[nodiscard]] bool shows(const ArtifactContent& content, const ArtifactSignature& signature);
 
-    FolderSource& source;
-    FolderReader reader;
-    std::optional<WalkVolume> volume;
-    std::function<bool()> mustStop;
-    std::optional<SkipReason> troubled;
+    ArtifactReader reader;
+    ArtifactLists lists;
+    std::size_t namesHeld = 0;
 };
 
 }  // namespace vostrel

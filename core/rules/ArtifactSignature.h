@@ -73,6 +73,8 @@ struct ToolSignature {
     /// Where the tool puts its files, as `ArtifactLayout` reads it. With anything elsewhere the whole folder is a
     /// person's.
     std::vector<std::string> own;
+    /// Patterns of names that a line must name: "**" does not stand for such a file.
+    std::vector<std::string> notInRuns = {};
 };
 
 }  // namespace vostrel

@@ -49,11 +49,20 @@ protected:
     void makeAll(const std::string& folder, const std::vector<std::string>& entries) const {
         const std::map<std::string, const char*> contents{
             {"CACHEDIR.TAG", "Signature: 8a477f597d28d172789f06886806bc55\n# made by a tool"},
-            {".package-lock.json", R"({"packages": {"node_modules/a": {}, "node_modules/@b/c": {"link": false}}})"},
-            {"Manifest.lock", "PODS:\n  - Lib (1.0)\n"},
+            {".package-lock.json",
+             R"({"packages": {"node_modules/a": {}, "node_modules/@b/c": {"link": false}, "node_modules/own": {"link": true}}})"},
+            {"Manifest.lock",
+             "PODS:\n  - Lib (1.0)\n  - Own (1.0)\n\nEXTERNAL SOURCES:\n  Own:\n    :path: \"../Own\"\n"},
             {".yarn-integrity", R"({"lockfileEntries": {"a@^1.0.0": "", "@b/c@1": ""}})"},
-            {".yarn-state.yml", "\"a@npm:1.0.0\":\n  locations:\n    - \"node_modules/a\"\n"},
-            {"lock.yaml", "packages:\n  a@1:\n  '@b/c@2':\n"},
+            {".yarn-state.yml",
+             "\"a@npm:1.0.0\":\n  locations:\n    - \"node_modules/a\"\n\"own@workspace:own\":\n  locations:\n    - "
+             "\"node_modules/own\"\n"},
+            {"lock.yaml", "importers:\n  own@1:\npackages:\n  a@1:\n  ab@1(a@1):\n  '@b/c@2':\n"},
+            {"workspace-state.json",
+             R"({"object": {"dependencies": [{"packageRef": {"location": "https://host/from.git"}, "subpath": "a",
+                                              "state": {"name": "sourceControlCheckout"}},
+                                             {"packageRef": {"location": "/home/own"}, "subpath": "own",
+                                              "state": {"name": "edited"}}]}})"},
             {"RECORD", "a/a.py,,\na-1.dist-info/RECORD,,\n../../../bin/tool,,\n"}};
         for (const auto& entry : entries) {
             const auto arrow = entry.find(" -> ");
@@ -92,14 +101,14 @@ next-dev | .next | package.json | build-manifest.json, server/page.js, static/a.
 nuxt | .nuxt | nuxt.config.ts | nuxt.d.ts, tsconfig.json, types/imports.d.ts | page.vue | types
 turbo | .turbo | turbo.json | cache/0123456789abcdef.tar.zst, cookies/1.cookie, turbo-build.log | turbo-diary.log | cache
 parcel | .parcel-cache | package.json | data.mdb, lock.mdb, snapshot-0123456789abcdef.txt, 0123456789abcdef-AssetGraph-0 | ab/notes.md | -
-vite | dist | vite.config.ts | index.html, vite.svg, assets/index-B8sKq2xZ.js, assets/index-DiwrgTda.css | CNAME | assets
+vite | dist | vite.config.ts | index.html, vite.svg, assets/index-B8sKq2xZ.js, assets/index-D_tn1WmV.css | CNAME | assets
 angular | dist | angular.json | app/3rdpartylicenses.txt, app/browser/index.html, app/browser/main-5LKJ2XQ3.js | app/novel.txt | app
 astro | dist | astro.config.mjs | index.html, _astro/page.B8sKq2xZ.css | diary/index.html | _astro
 cargo | target | Cargo.toml | CACHEDIR.TAG, .rustc_info.json, debug/a, debug/a.d, debug/deps/a-0123456789abcdef.d, aarch64-apple-darwin/release/a.wasm, aarch64-apple-darwin/release/a.d | debug/savegame | debug
 maven | target | pom.xml | classes/A.class, maven-archiver/pom.properties, a-1.0.jar | classes/A.java | classes
-swift | .build | Package.swift | workspace-state.json, checkouts/a/.git/HEAD, debug -> arm64-apple-macosx/debug, arm64-apple-macosx/debug/a | wasm32-my-thesis/a.swift | arm64-apple-macosx/debug
+swift | .build | Package.swift | workspace-state.json, checkouts/a/.git/HEAD, repositories/from-0123abcd/HEAD, debug -> arm64-apple-macosx/debug, arm64-apple-macosx/debug/a | wasm32-my-thesis/a.swift | arm64-apple-macosx/debug
 pods | Pods | Podfile, Podfile.lock | Manifest.lock, Pods.xcodeproj/a, Target Support Files/a.xcconfig, Lib/a.m | Notes/a.txt | Lib
-gradle | build | build.gradle.kts | classes/java/main/A.class, tmp/compileJava/previous-compilation-data.bin, libs/a.jar | docs/notes.txt | classes
+gradle | build | build.gradle.kts, src/main/resources/x/notes.md | classes/java/main/A.class, tmp/compileJava/previous-compilation-data.bin, libs/a-1.0.jar, libs/a-1.0-sources.jar, libs/b.jar, resources/main/x/notes.md | docs/notes.txt | classes
 android | build | build.gradle | intermediates/a/b, outputs/logs/manifest-merger-debug-report.txt, generated/source/r/R.java, outputs/apk/debug/a-debug.apk | outputs/apk/release/a-release.apk | intermediates
 gradle-cache | .gradle | settings.gradle | 8.5/gc.properties, 8.5/fileHashes/fileHashes.lock, buildOutputCleanup/cache.properties | 3.5 photos/a.bin | 8.5
 python | __pycache__ | a.py, b.py | a.cpython-311.pyc, b.cpython-311.opt-1.pyc, b.cpython-312-pytest-8.3.4.pyc | a.thesis.pyc | -
@@ -107,7 +116,7 @@ python-lost | __pycache__ | a.py | a.cpython-311.pyc | lost.cpython-311.pyc | -
 pytest | .pytest_cache | a.py | CACHEDIR.TAG, README.md, .gitignore, v/cache/nodeids | v/notes.md | v
 venv | .venv | requirements.txt | pyvenv.cfg, bin/activate, bin/tool, bin/python -> /usr/bin/python3, lib/python3.11/site-packages/a/a.py, lib/python3.11/site-packages/a/__pycache__/a.cpython-311.pyc, lib/python3.11/site-packages/a-1.dist-info/RECORD | bin/backup | lib
 xcode | DerivedData | App.xcodeproj/project.pbxproj | App-abcdefghijklmnopqrstuvwxyzab/info.plist, ModuleCache.noindex/a | App-abcdefghijklmnopqrstuvwxyzab/raw.csv | ModuleCache.noindex
-xcodebuild | DerivedData | Package.swift | info.plist, Build/Products/a, Logs/a, SourcePackages/checkouts/a/.git/HEAD | Lake-for my thesis, all of it 2024/info.plist | Build/Products
+xcodebuild | DerivedData | Package.swift | info.plist, Build/Products/a, Build/Intermediates.noindex/a.build/DerivedSources/a.swift, Logs/Build/a.xcactivitylog, SourcePackages/workspace-state.json, SourcePackages/checkouts/a/.git/HEAD, SourcePackages/checkouts/a/main.swift | Lake-for my thesis, all of it 2024/info.plist | Build/Products
 )";
 
 TEST_F(ProjectScanTest, plansWhatAToolMadeAndLeavesEveryNearMiss) {
@@ -157,6 +166,24 @@ package.json, node_modules/.package-lock.json, node_modules/a/package.json, node
 package.json, node_modules/.package-lock.json, node_modules/a/package.json, node_modules/a/novel.odt
 pom.xml, target/maven-archiver/pom.properties, target/classes/META-INF/a/HEAD, target/classes/META-INF/a/objects/a, target/classes/META-INF/a/refs/a
 Package.swift, .build/workspace-state.json, .build/my-own-notes/a
+Package.swift, .build/workspace-state.json, .build/checkouts/mine/.git/HEAD
+Package.swift, .build/workspace-state.json, .build/checkouts/own/.git/HEAD
+Package.swift, .build/workspace-state.json, .build/repositories/mine-0123abcd/HEAD
+Package.swift, .build/workspace-state.json, .build/arm64-apple-macosx/debug/main.swift
+App.xcodeproj/a, DerivedData/info.plist, DerivedData/Build/Products/notes.txt, DerivedData/Logs/Build/LogStoreManifest.plist
+App.xcodeproj/a, DerivedData/info.plist, DerivedData/Build/Products/main.swift, DerivedData/Logs/Build/LogStoreManifest.plist
+App.xcodeproj/a, DerivedData/info.plist, DerivedData/Build/Products/a, DerivedData/Logs/notes.md
+App.xcodeproj/a, DerivedData/App-abcdefghijklmnopqrstuvwxyzab/info.plist, DerivedData/App-abcdefghijklmnopqrstuvwxyzab/SourcePackages/checkouts/a/.git/HEAD
+package.json, node_modules/.package-lock.json, node_modules/own/package.json
+package.json, node_modules/.yarn-state.yml, node_modules/own/package.json
+package.json, node_modules/.modules.yaml, node_modules/.pnpm/lock.yaml, node_modules/.pnpm/b@1/node_modules/b/b.js
+package.json, node_modules/.modules.yaml, node_modules/.pnpm/lock.yaml, node_modules/.pnpm/own@1/node_modules/own/own.js
+package.json, .next/BUILD_ID, .next/build-manifest.json, .next/cache/thesis.txt
+astro.config.mjs, dist/index.html, dist/_astro/.DS_Store
+build.gradle, build/tmp/jar/MANIFEST.MF, build/libs/a-1.0.jar, build/libs/a-1.1.jar
+build.gradle, src/main/resources/others.md, build/tmp/jar/MANIFEST.MF, build/resources/main/notes.md
+pom.xml, target/maven-archiver/pom.properties, target/a-1.0.jar, target/a-1.0-rc1.jar
+Podfile, Podfile.lock, Pods/Manifest.lock, Pods/Pods.xcodeproj/a, Pods/Target Support Files/a.xcconfig, Pods/Own/a.m
 package.json/a, node_modules/.package-lock.json
 package.json, Node_Modules/.package-lock.json
 )";

@@ -1,5 +1,7 @@
 #include "rules/ArtifactFacts.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cassert>
@@ -94,6 +96,7 @@ const Names gradleScripts{"build.gradle", "build.gradle.kts", "settings.gradle",
 
 struct Row {
     ArtifactKind kind;
+    int semanticsRevision = 1;
     const char* title;
     std::vector<Marker> markers;
     std::vector<ToolSignature> signatures;
@@ -240,6 +243,7 @@ std::vector<Row> rows() {
     return {
         // Every package must stand in the manager's own list as well.
         {.kind = ArtifactKind::nodeModules,
+         .semanticsRevision = 2,
          .title = "Node packages",
          .markers = files({"package.json"}),
          .signatures =
@@ -257,6 +261,7 @@ std::vector<Row> rows() {
          .neverHolds = documents},
 
         {.kind = ArtifactKind::nextBuild,
+         .semanticsRevision = 2,
          .title = "Next.js build",
          .markers = files({"package.json"}),
          .signatures = {{"Next.js",
@@ -287,6 +292,7 @@ std::vector<Row> rows() {
          .neverHolds = joined({belongings, writings})},
 
         {.kind = ArtifactKind::nuxtBuild,
+         .semanticsRevision = 2,
          .title = "Nuxt build",
          .markers = {Marker::fileMatching("nuxt.config.*")},
          .signatures = {{"Nuxt",
@@ -355,6 +361,7 @@ std::vector<Row> rows() {
         // None of these is sure to empty the folder before it fills it, and a project's own public files are copied
         // there, so only what lies in exactly the layout of a bundle is one.
         {.kind = ArtifactKind::dist,
+         .semanticsRevision = 2,
          .title = "Web bundle",
          .markers = {Marker::fileMatching("vite.config.*"), Marker::file("angular.json"),
                      Marker::fileMatching("astro.config.*")},
@@ -381,6 +388,7 @@ std::vector<Row> rows() {
                {"index.html", "404.html", "_astro/*.HASH.css", "_astro/*.HASH.js"}}}},
 
         {.kind = ArtifactKind::target,
+         .semanticsRevision = 2,
          .title = "Cargo or Maven build",
          .markers = files({"Cargo.toml", "pom.xml"}),
          .signatures = {{"Cargo",
@@ -395,6 +403,7 @@ std::vector<Row> rows() {
          .neverHolds = joined({belongings, {"Cargo.toml", "pom.xml"}})},
 
         {.kind = ArtifactKind::swiftBuild,
+         .semanticsRevision = 2,
          .title = "Swift package build",
          .markers = files({"Package.swift"}),
          .signatures = {{"Swift Package Manager",
@@ -409,6 +418,7 @@ std::vector<Row> rows() {
 
         // Every pod must stand in the manifest as well.
         {.kind = ArtifactKind::pods,
+         .semanticsRevision = 2,
          .title = "CocoaPods pods",
          .markers = files({"Podfile"}),
          .signatures = {{"CocoaPods",
@@ -419,6 +429,7 @@ std::vector<Row> rows() {
          .neverHolds = documents},
 
         {.kind = ArtifactKind::gradleBuild,
+         .semanticsRevision = 2,
          .title = "Gradle build",
          .markers = files(gradleScripts),
          .signatures = {{"Gradle",
@@ -477,6 +488,7 @@ std::vector<Row> rows() {
          .neverHolds = documents},
 
         {.kind = ArtifactKind::xcodeDerivedData,
+         .semanticsRevision = 2,
          .title = "Xcode DerivedData",
          .markers = {Marker::fileMatching("*.xcodeproj"), Marker::fileMatching("*.xcworkspace"),
                      Marker::file("Package.swift")},
@@ -528,6 +540,7 @@ struct Table {
     ArtifactFacts made(Row row) {
         ArtifactFacts made;
         made.kind = row.kind;
+        made.semanticsRevision = row.semanticsRevision;
         made.title = row.title;
         made.neverHolds = std::move(row.neverHolds);
         made.persons = Glob::Patterns::compile(made.neverHolds).value_or(Glob::Patterns());
@@ -562,7 +575,7 @@ std::string ArtifactFacts::toolName() const {
 }
 
 std::string ArtifactFacts::definition() const {
-    std::string text(namesOf(kind).folderName);
+    std::string text = fmt::format("revision {}; {}", semanticsRevision, namesOf(kind).folderName);
     for (const Marker& marker : markers)
         text += "; " + marker.location();
     for (const ToolSignature& signature : signatures) {

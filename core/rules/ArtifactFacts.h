@@ -23,6 +23,8 @@ using ArtifactMarkers = std::bitset<64>;
 /// folders are not recognised: a folder named build, dist or target that a person made stays.
 struct ArtifactFacts {
     ArtifactKind kind = ArtifactKind::nodeModules;
+    /// Raised when its folders are told in another way, so that rules approved before are asked about again.
+    int semanticsRevision = 1;
     /// "Node packages".
     std::string title;
     /// One of them must lie beside the folder.

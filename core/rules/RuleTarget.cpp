@@ -1,8 +1,11 @@
 #include "rules/RuleTarget.h"
 
+#include <fmt/format.h>
+
 #include "base/Visit.h"
 #include "rules/ArtifactFacts.h"
 #include "rules/PresetCatalog.h"
+#include "rules/ProjectScanner.h"
 #include "rules/RuleFields.h"
 #include "stores/JSONCoding.h"
 
@@ -24,7 +27,8 @@ std::string projectScanDefinition(const ProjectScanTarget& target) {
     kinds.reserve(target.kinds.size());
     for (const ArtifactKind kind : target.kinds)
         kinds.emplace_back(std::string(namesOf(kind).storedName), factsOf(kind).definition());
-    return "projectScan;" + compactJSON(JSONObject(std::move(kinds)));
+    return fmt::format("projectScan;depth {};sources {};{}", ProjectScanner::discoveryDepth,
+                       ProjectScanner::sourceWalkDepth, compactJSON(JSONObject(std::move(kinds))));
 }
 
 }  // namespace

@@ -25,8 +25,9 @@ enum class EntryType : std::uint32_t {
 inline constexpr std::uint32_t entryIsMountPoint = 1;
 inline constexpr std::uint32_t entryTriggersMount = 2;
 
-/// How much a listing asks of each entry: what adding up sizes needs, or also the dates and the device.
-enum class ListingDetail { sizes, facts };
+/// How much a listing asks of each entry: nothing but name, type and number, what adding up sizes needs, or also the
+/// dates and the device.
+enum class ListingDetail { names, sizes, facts };
 
 /// One entry as a folder listing reports it. The name is valid only while the entry is being handed over.
 ///

@@ -14,4 +14,11 @@ namespace vostrel {
 /// `EXDEV` where something is mounted on it.
 [[nodiscard]] int openSubfolder(int openFolder, const char* name);
 
+/// Opens the folder that holds an open one, wherever that lies now. -1 with `errno` set.
+[[nodiscard]] int openParentFolder(int openFolder);
+
+/// Finds what lies at a path below an open folder, going through no link and no other mount: a descriptor that serves
+/// for looking at it only. -1 with `errno` set, `ENAMETOOLONG` where the path is longer than one call takes.
+[[nodiscard]] int locateBelow(int openFolder, const char* path);
+
 }  // namespace vostrel

@@ -151,4 +151,12 @@ std::optional<Date> deletionDate(const std::filesystem::path& item) {
     return content ? dateIn(*content) : std::nullopt;
 }
 
+void removeTrashInfo(const std::filesystem::path& item) {
+    const OwnedDescriptor folder(openFolder(item.parent_path().parent_path() / "info"));
+    if (!folder.isOpen() || !isTrusted(folder.get())) return;
+    const auto left = statusOfPath(item);
+    const std::string name = item.filename().native() + std::string(trashInfoSuffix);
+    if (!left && left.error() == ENOENT) ::unlinkat(folder.get(), name.c_str(), 0);
+}
+
 }  // namespace vostrel

@@ -25,4 +25,7 @@ inline constexpr std::string_view trashInfoSuffix = ".trashinfo";
 /// may be left over from an earlier item of that name, and who wrote it may have been in another time zone.
 [[nodiscard]] std::optional<Date> deletionDate(const std::filesystem::path& item);
 
+/// Removes that file of an item which is gone from the Trash; nothing while something still has the item's name.
+void removeTrashInfo(const std::filesystem::path& item);
+
 }  // namespace vostrel

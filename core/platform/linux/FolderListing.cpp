@@ -66,6 +66,8 @@ void report(int openFolder, const KernelEntry& listed, ListingDetail detail, Ent
         entry.type = EntryType::folder;
     } else if (listed.type == DT_LNK) {
         entry.type = EntryType::link;
+    } else if (detail == ListingDetail::names && listed.type != DT_UNKNOWN) {
+        entry.type = linux_platform::entryType(DTTOIF(listed.type));
     } else {
         entry.error = detail == ListingDetail::facts ? readFacts(openFolder, listed.name(), entry)
                                                      : readSizes(openFolder, listed.name(), entry);

@@ -32,6 +32,7 @@ int openKeepingAccessDate(int base, const char* path, std::uint64_t resolve) {
 }
 
 constexpr std::uint64_t withoutLinks = RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
+constexpr std::uint64_t belowAndOnTheMount = withoutLinks | RESOLVE_BENEATH | RESOLVE_NO_XDEV;
 constexpr std::size_t longestPath = PATH_MAX - 1;
 
 /// A path longer than one call takes: goes down in pieces, each opened below the one before.
@@ -61,7 +62,15 @@ int openFolder(const std::filesystem::path& path) {
 }
 
 int openSubfolder(int openFolder, const char* name) {
-    return openKeepingAccessDate(openFolder, name, withoutLinks | RESOLVE_BENEATH | RESOLVE_NO_XDEV);
+    return openKeepingAccessDate(openFolder, name, belowAndOnTheMount);
+}
+
+int openParentFolder(int openFolder) {
+    return openKeepingAccessDate(openFolder, "..", withoutLinks | RESOLVE_NO_XDEV);
+}
+
+int locateBelow(int openFolder, const char* path) {
+    return openResolving(openFolder, path, O_PATH | O_CLOEXEC, belowAndOnTheMount);
 }
 
 }  // namespace vostrel

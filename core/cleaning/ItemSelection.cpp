@@ -33,7 +33,7 @@ std::optional<SkipReason> reasonToSkip(const MeasuredItem& item) {
 void ItemSelection::take(MeasuredItem item) {
     auto url = urlOf(item);
     auto reason = reasonToSkip(item);
-    if (root.datedByTrashInfo && !reason) {
+    if (root.root.datedByTrashInfo && !reason) {
         if (const auto deleted = deletionDate(url)) {
             item.added = std::max(*deleted, item.added.value_or(item.facts.newestUse));
         } else {

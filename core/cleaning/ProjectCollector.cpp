@@ -6,7 +6,6 @@
 #include "filesystem/ItemAccounting.h"
 #include "filesystem/SizeWalker.h"
 #include "rules/ArtifactFacts.h"
-#include "rules/ArtifactRecognition.h"
 
 namespace vostrel {
 
@@ -20,7 +19,7 @@ ProjectCollector::ProjectCollector(const CleanupPlanner& forPlanner, const Rule&
       isCancelled(cancelled),
       plan(into),
       scanner(forPlanner.guards, *forPlanner.source, forPlanner.helpers),
-      repositories(*forPlanner.source) {
+      examination(*forPlanner.source) {
     if (!planner.progress) return;
     scanner.watch([this](std::string_view folder) {
         soFar.folder = folder;
@@ -103,24 +102,18 @@ void ProjectCollector::measure(const OpenedRoot& root, std::size_t rootIndex,
 
 void ProjectCollector::examine(const ProjectScanner::Candidate& candidate, const WalkVolume& volume,
                                const WalkBudget& budget, MeasuredItem& measured) {
-    switch (repositories.tracking(candidate.artifact.native())) {
-        case GitRepositories::Answer::tracked:
+    switch (examination.examine(candidate.artifact.native(), candidate.kind, volume, budget)) {
+        case BuildFolderState::theTools:
+            return;
+        case BuildFolderState::aPersons:
             measured.facts.containsExcluded = true;
             return;
-        case GitRepositories::Answer::unknown:
+        case BuildFolderState::couldNotRead:
             measured.trouble = MeasuredItem::Trouble::couldNotRead;
             return;
-        case GitRepositories::Answer::notTracked:
-            break;
-    }
-    ArtifactRecognition recognition(*planner.source, volume, [&] { return budget.isSpent(); });
-    if (recognition.canBeMadeAgain(candidate.artifact.native(), candidate.kind)) return;
-    if (budget.isSpent()) {
-        measured.trouble = MeasuredItem::Trouble::notMeasuredInTime;
-    } else if (recognition.trouble() == SkipReason::unreadable) {
-        measured.trouble = MeasuredItem::Trouble::couldNotRead;
-    } else {
-        measured.facts.containsExcluded = true;
+        case BuildFolderState::notReadInTime:
+            measured.trouble = MeasuredItem::Trouble::notMeasuredInTime;
+            return;
     }
 }
 

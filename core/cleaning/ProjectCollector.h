@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "base/Date.h"
+#include "cleaning/BuildFolderExamination.h"
 #include "cleaning/CleanupPlanner.h"
 #include "filesystem/LinkSet.h"
 #include "filesystem/MeasuredItem.h"
-#include "rules/GitRepositories.h"
 #include "rules/ProjectScanner.h"
 
 namespace vostrel {
@@ -46,7 +46,7 @@ private:
     /// By root, what was found below it.
     std::vector<std::vector<ProjectScanner::Candidate>> candidates;
     LinkSet links;
-    GitRepositories repositories;
+    BuildFolderExamination examination;
     PlanProgress soFar;
 };
 

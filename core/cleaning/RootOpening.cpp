@@ -131,7 +131,7 @@ std::expected<OpenedRoot, PlanError> RootOpening::open(const ResolvedRoot& resol
     if (auto error = refuse(resolved, opened, rule)) return std::unexpected(*std::move(error));
     const bool isTheSame = isSameFolder(*before, opened.status) && opened.isStillThere();
     if (!isTheSame) return std::unexpected(PlanError::of(Kind::rootChanged));
-    opened.datedByTrashInfo = resolved.datedByTrashInfo;
+    opened.root.datedByTrashInfo = resolved.datedByTrashInfo;
     for (const AgeBasis basis : {rule.filter.ageBasis, preset ? preset->ageBasis : rule.filter.ageBasis}) {
         if (auto error = checkBasis(folder.get(), basis, opened)) return std::unexpected(*std::move(error));
     }

@@ -31,8 +31,6 @@ struct OpenedRoot {
     FileStatus status;
     /// Whether its disk records when items arrive in their folders.
     bool recordsAddedDates = false;
-    /// Its items arrived when their ".trashinfo" files say.
-    bool datedByTrashInfo = false;
 
     /// Whether the folder at the root's path is still this one.
     [[nodiscard]] bool isStillThere() const;

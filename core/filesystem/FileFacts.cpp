@@ -49,15 +49,27 @@ MeasuredItem measuredFolder(const std::filesystem::path& path, const FileStatus&
 
 }  // namespace
 
+std::expected<MeasuredItem, FileFacts::MeasureError> measureItem(const std::filesystem::path& path,
+                                                                 const Glob::Patterns& exclusions,
+                                                                 const PathGuards& guards, const WalkBudget& budget,
+                                                                 const std::optional<GuardException>& exception) {
+    const auto status = statusOfPath(path);
+    if (!status) {
+        return std::unexpected(FileFacts::MeasureError{FileFacts::MeasureError::Kind::missingMetadata, status.error()});
+    }
+    if (status->type != EntryType::folder) return measuredFile(*status);
+    return measuredFolder(path, *status, exclusions, guards, budget, exception);
+}
+
 std::expected<FileFacts, FileFacts::MeasureError> FileFacts::measure(const std::filesystem::path& path, AgeBasis basis,
                                                                      const Glob::Patterns& exclusions,
                                                                      const PathGuards& guards, const WalkBudget& budget,
                                                                      const std::optional<GuardException>& exception) {
     const auto status = statusOfPath(path);
     if (!status) return std::unexpected(MeasureError{MeasureError::Kind::missingMetadata, status.error()});
-    const MeasuredItem item = status->type == EntryType::folder
-                                  ? measuredFolder(path, *status, exclusions, guards, budget, exception)
-                                  : measuredFile(*status);
+    const auto measured = measureItem(path, exclusions, guards, budget, exception);
+    if (!measured) return std::unexpected(measured.error());
+    const MeasuredItem& item = *measured;
     FileFacts facts;
     facts.url = path;
     facts.isDirectory = item.type == EntryType::folder;

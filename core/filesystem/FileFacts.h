@@ -70,6 +70,12 @@ struct FileFacts {
     friend bool operator==(const FileFacts&, const FileFacts&) = default;
 };
 
+/// Measures the item at an absolute path whose parent is reached through no link: as `FileFacts::measure`, but in the
+/// terms in which walks find items. `parent` is not known.
+[[nodiscard]] std::expected<MeasuredItem, FileFacts::MeasureError> measureItem(
+    const std::filesystem::path& item, const Glob::Patterns& exclusions, const PathGuards& guards,
+    const WalkBudget& budget, const std::optional<GuardException>& exception = {});
+
 /// The date of an item that an age basis goes by: for "modified" the newest modification inside it, for "added" its own
 /// arrival, for "lastOpened" the newer of its last use and its arrival. What was never recorded counts as just changed,
 /// never as old.

@@ -17,6 +17,17 @@ constexpr std::size_t deepest = 100;
 /// The published convention for cache folders.
 constexpr std::string_view cacheFolderTagBegins = "Signature: 8a477f597d28d172789f06886806bc55";
 
+std::optional<ArtifactMarkers> markersOn(const std::optional<ArtifactContent>& content) {
+    if (!content) return std::nullopt;
+    ArtifactMarkers markers;
+    for (const std::string& name : content->files)
+        markers |= markersOf(name);
+    for (const std::string& name : content->folders) {
+        if (isPackageName(name)) markers |= markersOf(name);
+    }
+    return markers;
+}
+
 }  // namespace
 
 ArtifactRecognition::ArtifactRecognition(FolderSource& from, std::optional<WalkVolume> onVolume,
@@ -60,12 +71,12 @@ bool ArtifactRecognition::liesInBuildFolder(const std::filesystem::path& folder)
 }
 
 bool ArtifactRecognition::isMarked(const std::string& project, ArtifactKind kind) {
-    const auto content = reader.contentOnAnyVolume(project);
-    const ArtifactMarkers& wanted = factsOf(kind).markerBits;
-    const auto marks = [&](const std::string& name) { return (markersOf(name) & wanted).any(); };
-    return !content || std::ranges::any_of(content->files, marks) ||
-           std::ranges::any_of(content->folders,
-                               [&](const std::string& name) { return isPackageName(name) && marks(name); });
+    const auto markers = markersOn(reader.contentOnAnyVolume(project));
+    return !markers || (*markers & factsOf(kind).markerBits).any();
+}
+
+std::optional<ArtifactMarkers> ArtifactRecognition::markersIn(const std::string& folder) {
+    return markersOn(reader.contentOf(folder));
 }
 
 /// Whether every name directly in the folder is one that the tool gives.

@@ -42,6 +42,9 @@ public:
     /// kind's markers beside it, whatever else it holds. Yes when it cannot be seen what lies beside.
     [[nodiscard]] bool liesInBuildFolder(const std::filesystem::path& folder);
 
+    /// The markers that lie directly in a folder; nothing when it could not be listed.
+    [[nodiscard]] std::optional<ArtifactMarkers> markersIn(const std::string& folder);
+
     /// Why the last answer was no, where that was not seen but could not be.
     [[nodiscard]] std::optional<SkipReason> trouble() const { return reader.trouble(); }
 

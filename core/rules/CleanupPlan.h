@@ -33,6 +33,8 @@ struct PlanRoot {
     std::optional<std::string> setting;
     /// Only files with the names of screenshots were planned here.
     bool screenshotFolder = false;
+    /// It is a Trash whose items were thrown away when their ".trashinfo" files say.
+    bool datedByTrashInfo = false;
     bool trashOnly = false;
     bool linkedAtPlanning = false;
     bool iCloudAtPlanning = false;

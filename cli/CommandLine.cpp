@@ -56,6 +56,8 @@ CommandLine readCommandLine(int count, const char* const* arguments) {
     addPresetsCommand(app, request.command);
     addRuleCommands(app, request.command);
     addPreviewCommand(app, request.command);
+    addCleanCommand(app, request.command);
+    addCleanNowCommand(app, request.command);
     addLogCommand(app, request.command);
     addAccessCommand(app, request.command);
     addDemoCommand(app, request.command);

@@ -12,6 +12,8 @@ void addSpaceCommand(CLI::App& app, Command& chosen);
 void addSettingsCommands(CLI::App& app, Command& chosen);
 void addRuleCommands(CLI::App& app, Command& chosen);
 void addPreviewCommand(CLI::App& app, Command& chosen);
+void addCleanCommand(CLI::App& app, Command& chosen);
+void addCleanNowCommand(CLI::App& app, Command& chosen);
 void addLogCommand(CLI::App& app, Command& chosen);
 void addPresetsCommand(CLI::App& app, Command& chosen);
 void addAccessCommand(CLI::App& app, Command& chosen);

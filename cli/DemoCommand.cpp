@@ -9,9 +9,11 @@
 
 #include "base/SpaceFormat.h"
 #include "cleaning/CleanupPlanner.h"
+#include "cli/Cleaning.h"
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
 #include "cli/PlanDisplay.h"
+#include "cli/RunDisplay.h"
 #include "cli/SampleHome.h"
 #include "cli/Session.h"
 #include "cli/SpaceDisplay.h"
@@ -75,7 +77,7 @@ public:
 
     CommandResult run() {
         introduce();
-        if (auto shown = showSpace(); !shown) return shown;
+        if (auto read = showSpace(); !read) return read;
         showRefusals();
         const Rule rule = oldDownloads(sample, session.clock());
         if (auto made = makeRule(rule); !made) return made;
@@ -85,6 +87,7 @@ public:
         if (auto previewed = previewPresets(); !previewed) return previewed;
         if (auto previewed = previewProjects(); !previewed) return previewed;
         check(*plan);
+        if (auto cleaned = clean(rule, *plan); !cleaned) return cleaned;
         return conclude();
     }
 
@@ -192,10 +195,12 @@ private:
             if (!preset) return failed("A preset is missing.");
             session.output.line();
             session.output.line({{preset->name, Output::Style::bold}, ": " + preset->summary});
-            const auto plan = planned(preset->draftRule(session.clock()));
+            const Rule draft = preset->draftRule(session.clock());
+            const auto plan = planned(draft);
             if (!plan) return failed(plan.error().sentence);
             showPlan(session.output, session.guards, *plan);
             checkPreset(*preset, *plan);
+            shown.emplace_back(draft, *plan);
         }
         return {};
     }
@@ -223,6 +228,7 @@ private:
         session.output.line();
         session.output.line({"  ~/Code/atlas was worked on two days ago, so its packages are no part of this."});
         checkProjects(*plan);
+        shown.emplace_back(rule, *plan);
         return {};
     }
 
@@ -250,6 +256,56 @@ private:
             {"no protected, excluded or fresh file is among what would go", isKept && !plan.items.empty()});
     }
 
+    /// Carries out the previews that were shown, each item checked again right before it goes.
+    CommandResult clean(const Rule& rule, const CleanupPlan& plan) {
+        heading("7. The rules run: every item is checked once more, then it goes");
+        const auto saved = session.rules.change([&](RuleBook& book) -> CommandResult {
+            for (const auto& [other, itsPlan] : shown)
+                book.add(other);
+            return {};
+        });
+        if (!saved) return saved;
+        shown.emplace_back(rule, plan);
+        const Cleaning cleaning(session);
+        const RunControl control(&Interrupt::requested);
+        bool wentWell = true;
+        for (const auto& [each, itsPlan] : shown) {
+            const auto report = cleaning.runner.run(each, itsPlan, cleaning.presentOf(each), control);
+            session.output.line({"  ", {each.name, Output::Style::bold}, ": " + logLine(report)});
+            wentWell = wentWell && report.itemsCleaned == report.plannedItems &&
+                       report.deletedBytes + report.movedToTrashBytes == itsPlan.totalBytes();
+        }
+        claims.push_back({"every item of the previews went, with the bytes that were shown", wentWell});
+        session.output.line();
+        session.output.line({"  The log has them all:"});
+        const auto runs = session.log.recent(shown.size());
+        showRuns(session.output, runs, session.runLock.runInHand());
+        claims.push_back({"the log tells of every run", runs.size() == shown.size()});
+        checkWhatStayed();
+        return {};
+    }
+
+    void checkWhatStayed() {
+        const auto after = sample.stamps();
+        const auto went = [&](const std::filesystem::path& path) {
+            return std::ranges::any_of(shown, [&](const auto& each) { return isPlanned(each.second, path); });
+        };
+        // A folder from which something went has another date than before.
+        const auto heldWhatWent = [&](const std::filesystem::path& path) {
+            return std::ranges::any_of(shown, [&](const auto& each) {
+                return std::ranges::any_of(each.second.items,
+                                           [&](const PlannedItem& item) { return item.url.parent_path() == path; });
+            });
+        };
+        const bool isWhole = std::ranges::all_of(before, [&](const auto& entry) {
+            const auto path = sample.home() / entry.first;
+            const auto now = after.find(entry.first);
+            if (went(path)) return now == after.end();
+            return now != after.end() && (heldWhatWent(path) || now->second == entry.second);
+        });
+        claims.push_back({"what was shown is gone from its place, and everything else is as it was", isWhole});
+    }
+
     CommandResult conclude() {
         heading("The demonstration checked what it said");
         JSONArray listed;
@@ -273,6 +329,8 @@ private:
     const FixedDefaults noSettings{{}};
     const TargetResolver resolver{session.places.home, noSettings, session.guards};
     std::vector<Claim> claims;
+    /// The rules whose previews were shown, to be run in the end.
+    std::vector<std::pair<Rule, CleanupPlan>> shown;
     std::map<std::string, SampleHome::Stamp> before;
 };
 

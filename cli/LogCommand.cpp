@@ -21,7 +21,7 @@ constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
 
 CommandResult listRuns(Session& session, std::size_t limit) {
     const auto runs = session.log.recent(limit);
-    showRuns(session.output, runs);
+    showRuns(session.output, runs, session.runLock.runInHand());
     JSONArray documents;
     for (const RunReport& run : runs)
         documents.push_back(summaryDocumentOf(run));
@@ -51,7 +51,7 @@ CommandResult showOneRun(Session& session, const std::string& wanted) {
     auto found = findRun(session.log, wanted);
     if (!found) return std::unexpected(std::move(found.error()));
     const RunReport run = session.log.withLists(std::move(*found));
-    showRun(session.output, session.guards, run);
+    showRun(session.output, session.guards, run, session.runLock.runInHand());
     return session.output.document(encodeJSON(run));
 }
 

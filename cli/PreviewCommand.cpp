@@ -1,15 +1,10 @@
-#include <fmt/format.h>
-
 #include <memory>
 #include <utility>
 
-#include "base/ProgressBox.h"
-#include "base/SpaceFormat.h"
-#include "cleaning/CleanupPlanner.h"
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
 #include "cli/PlanDisplay.h"
-#include "cli/ProgressLine.h"
+#include "cli/PlanProgressLine.h"
 #include "cli/RuleSearch.h"
 #include "cli/Session.h"
 
@@ -25,26 +20,6 @@ struct PreviewOptions {
     std::string rule;
     bool approves = false;
 };
-
-/// "~/Downloads/dataset   1,204 files, 3.2 GB, 120,400 files a second".
-std::string described(const PlanProgress& progress, const PathGuards& guards, Duration elapsed) {
-    if (progress.folder.empty()) return "Looking at the rule's folders";
-    const double seconds = std::chrono::duration<double>(elapsed).count();
-    const auto rate = static_cast<std::int64_t>(static_cast<double>(progress.files) / std::max(seconds, 0.001));
-    return fmt::format("{}, {}, {} a second  {}", counted(progress.files, "file", "files"),
-                       SpaceFormat::bytes(progress.bytes), grouped(rate), guards.displayPath(progress.folder));
-}
-
-std::expected<CleanupPlan, PlanError> planned(Session& session, const GlobalOptions& options, const Rule& rule) {
-    const auto progress = std::make_shared<ProgressBox<PlanProgress>>();
-    CleanupPlanner planner = session.planner();
-    planner.progress = progress;
-    const auto begun = std::chrono::steady_clock::now();
-    const ProgressLine line(options, [&, begun] {
-        return described(progress->get(), session.guards, std::chrono::steady_clock::now() - begun);
-    });
-    return planner.plan(rule, session.clock(), &Interrupt::requested);
-}
 
 CommandResult approve(Session& session, const Rule& rule, const CleanupPlan& plan) {
     if (session.output.finish() != 0) return failed("Nothing was approved, for the preview could not be shown.");
@@ -71,7 +46,7 @@ CommandResult preview(Session& session, const GlobalOptions& options, const Prev
     if (!found) return std::unexpected(found.error());
     const Rule& rule = **found;
 
-    const auto plan = planned(session, options, rule);
+    const auto plan = planWithProgress(session, options, rule);
     if (!plan) return failed(plan.error().sentence);
     session.output.line({{rule.name, Style::bold}});
     showPlan(session.output, session.guards, *plan);

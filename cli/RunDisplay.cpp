@@ -85,7 +85,7 @@ std::string stayedText(const RunReport& run) {
     return fmt::format("{}", fmt::join(parts, ", "));
 }
 
-void showFacts(Output& output, const PathGuards& guards, const RunReport& run) {
+void showFacts(Output& output, const PathGuards& guards, const RunReport& run, std::optional<Uuid> runInHand) {
     std::vector<Output::Row> rows = {{{"run", Style::dim}, run.id.text()},
                                      {{"when", Style::dim}, timeText(run)},
                                      {{"started", Style::dim}, triggerText(run.trigger)},
@@ -94,7 +94,7 @@ void showFacts(Output& output, const PathGuards& guards, const RunReport& run) {
     for (const auto& folder : run.rootPaths)
         rows.push_back({{std::exchange(label, ""), Style::dim}, guards.displayPath(folder)});
     if (run.plannedItems > 0) rows.push_back({{"planned", Style::dim}, plannedText(run)});
-    rows.push_back({{"outcome", Style::dim}, {logLine(run), styleOf(run)}});
+    rows.push_back({{"outcome", Style::dim}, {logLine(run, runInHand), styleOf(run)}});
     if (run.status == RunStatus::skipped) {
         for (const std::string& message : run.messages)
             if (message != logLine(run)) rows.push_back({"", message});
@@ -139,21 +139,21 @@ void showPlanned(Output& output, const PathGuards& guards, const RunReport& run)
 
 }  // namespace
 
-void showRuns(Output& output, const std::vector<RunReport>& runs) {
+void showRuns(Output& output, const std::vector<RunReport>& runs, std::optional<Uuid> runInHand) {
     if (runs.empty()) output.line({"No rule has run yet."});
     std::vector<Output::Row> rows;
     for (const RunReport& run : runs) {
         rows.push_back({{run.id.text().substr(0, enoughOfAnID), Style::dim},
                         localTime(run.startedAt),
                         {run.ruleName, Style::bold},
-                        {logLine(run), styleOf(run)}});
+                        {logLine(run, runInHand), styleOf(run)}});
     }
     output.table(rows, {Alignment::left, Alignment::left, Alignment::left, Alignment::left});
 }
 
-void showRun(Output& output, const PathGuards& guards, const RunReport& run) {
+void showRun(Output& output, const PathGuards& guards, const RunReport& run, std::optional<Uuid> runInHand) {
     output.line({{run.ruleName, Style::bold}});
-    showFacts(output, guards, run);
+    showFacts(output, guards, run, runInHand);
     if (!run.outcomes.empty()) {
         showOutcomes(output, guards, run);
     } else if (!run.plannedPaths.empty()) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
+#include "base/Uuid.h"
 #include "cleaning/RunReport.h"
 #include "cli/Output.h"
 #include "filesystem/PathGuards.h"
@@ -10,11 +12,12 @@
 namespace vostrel::cli {
 
 /// The log's list: a run each, when it began, its rule, what came of it, and the beginning of its id.
-void showRuns(Output& output, const std::vector<RunReport>& runs);
+/// `runInHand` is the run that some program is carrying out just now.
+void showRuns(Output& output, const std::vector<RunReport>& runs, std::optional<Uuid> runInHand);
 
 /// One run with all its items, so that a person could undo what can be undone: what lies where in the Trash, what is
 /// gone for good, what stayed and why.
-void showRun(Output& output, const PathGuards& guards, const RunReport& run);
+void showRun(Output& output, const PathGuards& guards, const RunReport& run, std::optional<Uuid> runInHand = {});
 
 /// A run as its JSON document in a list, without its long lists.
 [[nodiscard]] JSONValue summaryDocumentOf(const RunReport& run);

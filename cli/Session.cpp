@@ -10,7 +10,8 @@ Session::Session(Output& messages, Clock present, Places where)
       resolver(places.home, defaults, guards),
       rules(places.data, clock, output),
       settings(places.data, clock, output),
-      log(places.data / "Log") {}
+      log(places.data / "Log"),
+      runLock(places.data / "run.lock") {}
 
 CleanupPlanner Session::planner() const {
     return {.guards = guards, .resolver = resolver, .catalog = catalog, .clock = clock};

@@ -5,6 +5,7 @@
 
 #include "cleaning/CleanLog.h"
 #include "cleaning/CleanupPlanner.h"
+#include "cleaning/RunLock.h"
 #include "cli/CommandLine.h"
 #include "cli/Output.h"
 #include "cli/Places.h"
@@ -38,6 +39,7 @@ public:
     const StoredSettings settings;
     const SystemVolumeCapacityReader capacityReader{};
     const CleanLog log;
+    const RunLock runLock;
 
     [[nodiscard]] CleanupPlanner planner() const;
 

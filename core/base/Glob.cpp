@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <utility>
 
 #include "base/UnicodeText.h"
 #include "base/Visit.h"
@@ -17,10 +18,10 @@ constexpr const char* spaceAtAnEnd = "A pattern cannot start or end with a space
 constexpr const char* loneBackslash = R"(A pattern cannot end with "\". Use "\\" for a backslash.)";
 constexpr const char* openBracket = R"(A "[" in the pattern has no matching "]".)";
 
-/// Turns a folded pattern, character by character, into tokens; stops at the first problem.
+/// Turns the characters of a pattern into tokens; stops at the first problem.
 class Compiler {
 public:
-    explicit Compiler(std::string_view folded) : characters(graphemes(folded)) {}
+    explicit Compiler(std::vector<std::string_view> pattern) : characters(std::move(pattern)) {}
 
     std::expected<std::vector<Glob::Token>, std::string> tokens() {
         std::vector<Glob::Token> out;
@@ -104,6 +105,24 @@ private:
     std::string_view name;
 };
 
+/// A name as it is, each byte a character.
+class Bytes {
+public:
+    explicit Bytes(std::string_view text) : name(text) {}
+    [[nodiscard]] std::size_t size() const { return name.size(); }
+    [[nodiscard]] std::string_view operator[](std::size_t place) const { return name.substr(place, 1); }
+
+private:
+    std::string_view name;
+};
+
+std::vector<std::string_view> bytesOf(std::string_view text) {
+    std::vector<std::string_view> list;
+    for (std::size_t place = 0; place < text.size(); ++place)
+        list.push_back(text.substr(place, 1));
+    return list;
+}
+
 /// Gives `match` the folded characters of a name, so that several patterns share one folding.
 template <class Match>
 bool withCharacters(std::string_view name, Match match) {
@@ -161,11 +180,15 @@ std::optional<std::string> Glob::validate(std::string_view pattern) {
 }
 
 std::expected<Glob, std::string> Glob::compile(std::string_view pattern) {
+    const std::string form = folded(pattern);
+    return compile(pattern, graphemes(form));
+}
+
+std::expected<Glob, std::string> Glob::compile(std::string_view pattern, std::vector<std::string_view> characters) {
     if (pattern.empty()) return std::unexpected(emptyPattern);
     if (pattern.contains('/')) return std::unexpected(holdsSlash);
     if (pattern.starts_with(' ') || pattern.ends_with(' ')) return std::unexpected(spaceAtAnEnd);
-    const std::string form = folded(pattern);
-    auto tokens = Compiler(form).tokens();
+    auto tokens = Compiler(std::move(characters)).tokens();
     if (!tokens) return std::unexpected(std::move(tokens.error()));
     return Glob(std::move(*tokens));
 }
@@ -202,6 +225,20 @@ bool Glob::Patterns::matchesAny(std::string_view name) const {
     return withCharacters(name, [&](const auto& characters) {
         return std::ranges::any_of(globs, [&](const Glob& glob) { return walk(glob.tokens, characters); });
     });
+}
+
+std::expected<Glob::ExactPatterns, std::string> Glob::ExactPatterns::compile(std::span<const std::string> patterns) {
+    ExactPatterns list;
+    for (const std::string& pattern : patterns) {
+        auto glob = Glob::compile(pattern, bytesOf(pattern));
+        if (!glob) return std::unexpected(std::move(glob.error()));
+        list.globs.push_back(std::move(*glob));
+    }
+    return list;
+}
+
+bool Glob::ExactPatterns::matchesAny(std::string_view name) const {
+    return std::ranges::any_of(globs, [&](const Glob& glob) { return walk(glob.tokens, Bytes(name)); });
 }
 
 }  // namespace vostrel

@@ -19,6 +19,7 @@ namespace vostrel {
 class Glob {
 public:
     class Patterns;
+    class ExactPatterns;
 
     /// The first thing wrong with a pattern, as a sentence; nothing when it is valid.
     [[nodiscard]] static std::optional<std::string> validate(std::string_view pattern);
@@ -50,6 +51,8 @@ public:
     using Token = std::variant<Literal, Any, Star, Set>;
 
 private:
+    [[nodiscard]] static std::expected<Glob, std::string> compile(std::string_view pattern,
+                                                                  std::vector<std::string_view> characters);
     explicit Glob(std::vector<Token> compiled) : tokens(std::move(compiled)) {}
 
     std::vector<Token> tokens;
@@ -68,6 +71,20 @@ public:
 private:
     friend class Glob;
 
+    std::vector<Glob> globs;
+};
+
+/// The same, compared byte by byte with nothing folded: "[a-z]" is a small ASCII letter and "?" any one byte.
+class Glob::ExactPatterns {
+public:
+    ExactPatterns() = default;
+    /// The list, or the sentence about the first pattern that is not valid.
+    [[nodiscard]] static std::expected<ExactPatterns, std::string> compile(std::span<const std::string> patterns);
+
+    [[nodiscard]] bool isEmpty() const { return globs.empty(); }
+    [[nodiscard]] bool matchesAny(std::string_view name) const;
+
+private:
     std::vector<Glob> globs;
 };
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/SystemError.h"
+#include "base/UnicodeText.h"
 #include "filesystem/FileFacts.h"
 #include "platform/FileStatus.h"
 #include "platform/FolderListing.h"
@@ -33,21 +34,33 @@ public:
     std::vector<std::string> folders;
 };
 
+class NamesSink final : public EntrySink {
+public:
+    void entry(const FolderEntry& entry) override { names.emplace_back(entry.name); }
+
+    std::vector<std::string> names;
+};
+
+/// Whether the folder could be listed to its end.
+bool list(const std::filesystem::path& path, EntrySink& sink) {
+    const OwnedDescriptor folder(openFolder(path));
+    if (!folder.isOpen()) return false;
+    FolderListing listing(ListingDetail::facts);
+    for (;;) {
+        const auto step = listing.readSome(folder.get(), sink);
+        if (!step) return false;
+        if (*step == FolderListing::Step::end) return true;
+    }
+}
+
 /// When something was last written to a folder, to a file directly in it, or so in its subfolders down to that many
 /// levels. What is not there was never written; what cannot be read may have been just now.
 Date lastWritten(const std::filesystem::path& path, int levels) {
     const auto status = statusOfPath(path);
     if (!status) return isMissing(status.error()) ? Date::distantPast() : Date::distantFuture();
     if (status->type != EntryType::folder) return status->modified;
-    const OwnedDescriptor folder(openFolder(path));
-    if (!folder.isOpen()) return Date::distantFuture();
     NewestSink sink(status->modified);
-    FolderListing listing(ListingDetail::facts);
-    for (;;) {
-        const auto step = listing.readSome(folder.get(), sink);
-        if (!step) return Date::distantFuture();
-        if (*step == FolderListing::Step::end) break;
-    }
+    if (!list(path, sink)) return Date::distantFuture();
     if (levels == 0) return sink.newest;
     for (const std::string& name : sink.folders)
         sink.newest = std::max(sink.newest, lastWritten(path / name, levels - 1));
@@ -61,7 +74,9 @@ std::expected<PresetItems, std::string> PresetItems::of(const Preset& preset, st
     if (!names) return std::unexpected(std::move(names.error()));
     auto kept = PresetNames::compile(preset.excludePatterns);
     if (!kept) return std::unexpected(std::move(kept.error()));
-    return PresetItems(preset, std::move(home), *std::move(names), *std::move(kept));
+    auto inside = PresetNames::compile(preset.namesInside);
+    if (!inside) return std::unexpected(std::move(inside.error()));
+    return PresetItems(preset, std::move(home), *std::move(names), *std::move(kept), *std::move(inside));
 }
 
 bool PresetItems::keeps(std::string_view name, EntryType type) const {
@@ -74,7 +89,13 @@ std::optional<std::string> PresetItems::refusal(const std::filesystem::path& ite
         if (!status && isMissing(status.error())) continue;
         return "It holds \"" + name + "\", earlier versions of your own files, so Vostrel leaves it alone.";
     }
-    return std::nullopt;
+    if (inside.isEmpty()) return std::nullopt;
+    NamesSink sink;
+    if (!list(item, sink)) return "Vostrel could not read what is in it, so it leaves it alone.";
+    const auto odd = std::ranges::find_if_not(sink.names, [&](const auto& name) { return inside.matchesAny(name); });
+    if (odd == sink.names.end()) return std::nullopt;
+    return "It holds " + (isValidUTF8(*odd) ? "\"" + *odd + "\"" : "something") +
+           ", which does not look like a tool put it there, so Vostrel leaves it alone.";
 }
 
 bool PresetItems::letsGo(const MeasuredItem& item, const std::filesystem::path& path, Date now) const {

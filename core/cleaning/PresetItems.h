@@ -25,7 +25,8 @@ public:
     /// Whether the preset passes over items of that name and type without a word.
     [[nodiscard]] bool keeps(std::string_view name, EntryType type) const;
 
-    /// The sentence about an item in which the tool keeps what is the user's; nothing when it does not. Asks the disk.
+    /// The sentence about an item in which the tool keeps what is the user's, or that holds what the tool does not put
+    /// there; nothing about any other. Asks the disk.
     [[nodiscard]] std::optional<std::string> refusal(const std::filesystem::path& item) const;
 
     /// Whether the preset lets an item of that age go at the date `now`. Asks the disk when the tool was used last,
@@ -33,13 +34,19 @@ public:
     [[nodiscard]] bool letsGo(const MeasuredItem& item, const std::filesystem::path& path, Date now) const;
 
 private:
-    PresetItems(const Preset& ofPreset, std::filesystem::path inHome, PresetNames cleaned, PresetNames spared)
-        : preset(&ofPreset), home(std::move(inHome)), names(std::move(cleaned)), kept(std::move(spared)) {}
+    PresetItems(const Preset& ofPreset, std::filesystem::path inHome, PresetNames cleaned, PresetNames spared,
+                PresetNames ofTool)
+        : preset(&ofPreset),
+          home(std::move(inHome)),
+          names(std::move(cleaned)),
+          kept(std::move(spared)),
+          inside(std::move(ofTool)) {}
 
     const Preset* preset;
     std::filesystem::path home;
     PresetNames names;
     PresetNames kept;
+    PresetNames inside;
 };
 
 /// Whether something dated so is that many days old; anything is when no age is wanted.

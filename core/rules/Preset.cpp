@@ -1,16 +1,21 @@
 #include "rules/Preset.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "filesystem/ScreenshotName.h"
 #include "rules/RuleFields.h"
 #include "stores/JSONCoding.h"
 
 namespace vostrel {
 
+bool Preset::cleansScreenshots() const {
+    return std::ranges::any_of(
+        sources, [](const PathSource& source) { return std::holds_alternative<ScreenshotFolderSource>(source); });
+}
+
 bool Preset::decidesNames() const {
-    return !namePatterns.empty() || std::ranges::any_of(sources, [](const PathSource& source) {
-        return std::holds_alternative<ScreenshotFolderSource>(source);
-    });
+    return !namePatterns.empty() || cleansScreenshots();
 }
 
 Rule Preset::draftRule(Date createdAt) const {
@@ -29,7 +34,7 @@ Rule Preset::draftRule(Date createdAt) const {
 }
 
 std::string Preset::definition() const {
-    const JSONObject meaning{
+    std::vector<JSONMember> meaning{
         {"ageBasis", encodeJSON(ageBasis)},
         {"excludePatterns", encodeJSON(excludePatterns)},
         {"foldersOnly", encodeJSON(foldersOnly)},
@@ -42,7 +47,11 @@ std::string Preset::definition() const {
         {"usedBeside", encodeJSON(usedBeside)},
         {"historyInside", encodeJSON(historyInside)},
     };
-    return JSONCoding::encoder(JSONLayout::compact).encode(JSONValue(meaning)).value_or("unknown");
+    if (!namesInside.empty()) meaning.emplace_back("namesInside", encodeJSON(namesInside));
+    if (cleansScreenshots()) meaning.emplace_back("screenshotNames", screenshotNames);
+    return JSONCoding::encoder(JSONLayout::compact)
+        .encode(JSONValue(JSONObject(std::move(meaning))))
+        .value_or("unknown");
 }
 
 }  // namespace vostrel

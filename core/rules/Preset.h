@@ -51,9 +51,13 @@ struct Preset {
     /// Names directly inside an item under which the tool keeps earlier versions of the user's own files: an item that
     /// holds one stays.
     std::vector<std::string> historyInside = {};
+    /// Names of all that the tool puts directly inside an item (anything, when there are none), as `PresetNames` reads
+    /// them: an item that holds something else stays.
+    std::vector<std::string> namesInside = {};
 
-    /// Whether rules made from it may not list names to clean: it has patterns of its own, or cleans the screenshot
-    /// folder, where only screenshots go.
+    /// Whether it cleans the screenshot folder, where only screenshots go.
+    [[nodiscard]] bool cleansScreenshots() const;
+    /// Whether rules made from it may not list names to clean: it has patterns of its own, or cleans screenshots.
     [[nodiscard]] bool decidesNames() const;
     /// The rule that it is offered as: its own terms, with the triggers that it suggests.
     [[nodiscard]] Rule draftRule(Date createdAt) const;

@@ -48,9 +48,9 @@ std::expected<PresetNames, std::string> PresetNames::compile(std::span<const std
             asTheyAre.push_back(std::move(pattern));
         }
     }
-    auto plain = Glob::Patterns::compile(asTheyAre);
+    auto plain = Glob::ExactPatterns::compile(asTheyAre);
     if (!plain) return std::unexpected(std::move(plain.error()));
-    auto numbered = Glob::Patterns::compile(withNumbers);
+    auto numbered = Glob::ExactPatterns::compile(withNumbers);
     if (!numbered) return std::unexpected(std::move(numbered.error()));
     return PresetNames(*std::move(plain), *std::move(numbered));
 }

@@ -11,7 +11,8 @@ namespace vostrel {
 
 /// The names that a tool gives, as a preset writes them: name patterns in which, besides, "{a|b}" is either of the two
 /// (braces may lie in one another, and a choice may be empty) and "#" is a whole number of any length. In a pattern
-/// with "#" every other digit is one too: "arm64-#" is the same as "arm#-#".
+/// with "#" every other digit is one too: "arm64-#" is the same as "arm#-#". Unlike a rule's patterns they are compared
+/// byte by byte: a tool always writes its names the same way.
 class PresetNames {
 public:
     PresetNames() = default;
@@ -22,12 +23,12 @@ public:
     [[nodiscard]] bool matchesAny(std::string_view name) const;
 
 private:
-    PresetNames(Glob::Patterns asTheyAre, Glob::Patterns withNumbers)
+    PresetNames(Glob::ExactPatterns asTheyAre, Glob::ExactPatterns withNumbers)
         : plain(std::move(asTheyAre)), numbered(std::move(withNumbers)) {}
 
-    Glob::Patterns plain;
+    Glob::ExactPatterns plain;
     /// Matched by names whose numbers are written as "#".
-    Glob::Patterns numbered;
+    Glob::ExactPatterns numbered;
 };
 
 }  // namespace vostrel

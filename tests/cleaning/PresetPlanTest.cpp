@@ -34,18 +34,21 @@ void makeAged(const PlannerHome& home, const std::string& path, int age) {
 }
 
 /// A preset and its folder, the items there that it takes, those that it says are not the tool's, and those that it
-/// passes over; each with its age in days, and after "//" a file inside it. USER is the user's number.
+/// passes over; each with its age in days, and after "//" a file inside it. USER is the user's number; "-Kate"
+/// begins with the sign of the kelvin, which is a "k" when letters are folded.
 constexpr std::string_view items = R"(
 xcode-derived-data | Library/Developer/Xcode/DerivedData | 8 E-qqqqqqqqqqqqqqqqqqqqqqqqqqqq//info.plist | 99 E-qqqqqqqqqqqqqqqqqqqqqqqqqqqqq//a, 99 My notes//a | 99 note, 99 ModuleCache, 6 N-zzzzzzzzzzzzzzzzzzzzzzzzzzzz//a
 xcode-device-support | Library/Developer/Xcode/iOS DeviceSupport | 91 iPhone14,5 17.2 (21C62)//Symbols/a, 91 17.0.1 (21A340) arm64e//a | 91 photos 2.0 (2024)//a | 89 16.4 (20E247)//a
 xcode-device-support | Library/Developer/Xcode/watchOS DeviceSupport | 91 10.2 (21S364)//a
-xcode-archives | Library/Developer/Xcode/Archives | 181 2024-01-31//a | 999 Releases//a | 179 2024-02-01//a, 999 2024-01-02
+xcode-archives | Library/Developer/Xcode/Archives | 181 2024-01-31//a | 999 Releases//a, 999 2024-13-01//a | 179 2024-02-01//a, 999 2024-01-02
+pip-cache | .cache/pip | 1 http-v2//a | 1 Wheels//a
 uv-cache | .cache/uv | 1 wheels-v5//a | 1 thesis-v2//a
 gradle-caches | .gradle/caches | 1 8.10.2//a, 1 9.0-rc-1//a | 1 3.5 photos//a, 1 modules-#//a
-claude-updates | Library/Caches/com.anthropic.claudefordesktop.ShipIt | 1 update.aB3dE6g//a | 1 update.my notes//a
+claude-updates | Library/Caches/com.anthropic.claudefordesktop.ShipIt | 1 update.aB3dE6g//a | 1 update.my notes//a | 1 update.private//a, 1 update.Private//a
 go-build-cache | .cache/go-build | 1 0a//1-d |  | 99 fuzz//found/input, 99 README
 playwright-browsers | .cache/ms-playwright | 1 chromium_headless_shell-1148//a, 1 webkit_mac12_arm64_special-2009//a | 1 chromium-1 my profile//Cookies
-agent-temp | temporary | 8 claude-USER/-home-ann-code//a | 99 claude-USER/mine//a | 6 claude-USER/-home-ann-new//a, 99 claude-USER/-my notes//a, 99 claude-USER/-notes, 99 claude-thesis/-old//a
+puppeteer-browsers | .cache/puppeteer | 1 chrome//linux-123.0.6312.58/a, 1 firefox//mac_arm-stable_128.0/a, 1 chromium//win64-1083080/a |  | 1 notes
+agent-temp | temporary | 8 claude-USER/-home-ann-code//a | 99 claude-USER/mine//a | 6 claude-USER/-home-ann-new//a, 99 claude-USER/-my notes//a, 99 claude-USER/-Kate//a, 99 claude-USER/-notes, 99 claude-thesis/-old//a
 logs | Library/Logs | 31 App/deep/a.log, 31 App/a.log.1 |  | 29 App/new.log, 99 App/1234567.log, 99 App/notes
 old-downloads | Downloads | 1 film, 1 folder//.DS_Store |  | 1 .DS_Store
 screenshots | Desktop | 31 Screenshot 2024-01-31 at 9.05.07.png |  | 29 Screenshot 2024-01-31 at 9.05.07 (2).mov, 99 letter.txt, 99 folder/Screenshot 2024-01-31 at 9.05.07.png
@@ -69,6 +72,19 @@ TEST(PresetPlanTest, takesOnlyWhatThePresetIsAbout) {
         }
         EXPECT_EQ(verdictsOf(home, home.ruleOf(row.at(0))), expected);
     }
+}
+
+TEST(PresetPlanTest, leavesABrowserBesideWhichSomebodyKeepsMore) {
+    const PlannerHome home;
+    const std::string browsers = ".cache/puppeteer/";
+    for (const char* inside : {"chrome/linux-123.0.1/a", "chrome/my-profile/Cookies", "firefox/linux-128.0 old/a",
+                               "chromium/linux-1083080/a", "chromium/.metadata", "chromedriver/notes.txt"})
+        makeAged(home, browsers + inside, 99);
+    EXPECT_EQ(verdictsOf(home, home.ruleOf("puppeteer-browsers")),
+              (Verdicts{{browsers + "chrome", neverRemoved},
+                        {browsers + "firefox", neverRemoved},
+                        {browsers + "chromium", planned},
+                        {browsers + "chromedriver", neverRemoved}}));
 }
 
 TEST(PresetPlanTest, tellsWhenAnIDEWasOpenedByWhatItWrites) {

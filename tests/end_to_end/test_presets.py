@@ -23,7 +23,7 @@ SAMPLES = {
     "go-build-cache": "Library/Caches/go-build|/0a|/0a11-d",
     "gradle-caches": ".gradle/caches|/modules-2|/a",
     "playwright-browsers": "Library/Caches/ms-playwright|/firefox-1466|/a",
-    "puppeteer-browsers": ".cache/puppeteer|/chrome|/a",
+    "puppeteer-browsers": ".cache/puppeteer|/chrome|/linux-123.0.1/a",
     "jetbrains-caches": "Library/Caches/JetBrains|/GoLand2022.3|/a",
     "vscode-caches": "Library/Application Support/Code/CachedData|/1a2b|/a",
     "agent-temp": f"../temporary/claude-{os.getuid()}|/-home-ann-code|/a",

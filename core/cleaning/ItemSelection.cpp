@@ -12,6 +12,8 @@ namespace {
 
 using Trouble = MeasuredItem::Trouble;
 
+constexpr const char* undatedInTrash = "Nothing tells when it was thrown away, so Vostrel leaves it alone.";
+
 /// The first reason to leave the item out that its measuring gives, in the order in which a user should hear them.
 std::optional<SkipReason> reasonToSkip(const MeasuredItem& item) {
     const TreeFacts& facts = item.facts;
@@ -37,7 +39,8 @@ void ItemSelection::take(MeasuredItem item) {
         if (const auto deleted = deletionDate(url)) {
             item.added = std::max(*deleted, item.added.value_or(item.facts.newestUse));
         } else {
-            reason = SkipReason::noToolSignature;
+            reason = SkipReason::protectedPlace;
+            item.facts.protectedRefusal = undatedInTrash;
         }
     }
     if (preset != nullptr && !reason) {

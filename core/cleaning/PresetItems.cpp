@@ -12,6 +12,7 @@
 #include "platform/FolderListing.h"
 #include "platform/FolderOpening.h"
 #include "platform/OwnedDescriptor.h"
+#include "rules/FullPath.h"
 
 namespace vostrel {
 
@@ -21,7 +22,7 @@ class NewestSink final : public EntrySink {
 public:
     explicit NewestSink(Date first) : newest(first) {}
     void entry(const FolderEntry& entry) override {
-        if (entry.error != 0) {
+        if (entry.error != 0 || entry.type == EntryType::link) {
             newest = Date::distantFuture();
         } else if (entry.type == EntryType::folder) {
             folders.emplace_back(entry.name);  // it tells its own dates when it is opened
@@ -54,7 +55,7 @@ bool list(const std::filesystem::path& path, EntrySink& sink) {
 }
 
 /// When something was last written to a folder, to a file directly in it, or so in its subfolders down to that many
-/// levels. What is not there was never written; what cannot be read may have been just now.
+/// levels. What is not there was never written; what cannot be read, or lies behind a link, may have been just now.
 Date lastWritten(const std::filesystem::path& path, int levels) {
     const auto status = statusOfPath(path);
     if (!status) return isMissing(status.error()) ? Date::distantPast() : Date::distantFuture();
@@ -101,7 +102,8 @@ std::optional<std::string> PresetItems::refusal(const std::filesystem::path& ite
 bool PresetItems::letsGo(const MeasuredItem& item, const std::filesystem::path& path, Date now) const {
     if (!isOldEnough(ageDateOf(item, path, preset->ageBasis), preset->minAgeDays, now)) return false;
     return std::ranges::all_of(preset->usedBeside, [&](const std::string& folder) {
-        return isOldEnough(lastWritten(home / folder / path.filename(), 1), preset->minAgeDays, now);
+        const auto entry = home / folder / path.filename();
+        return !leadsThroughLink(entry, {home}) && isOldEnough(lastWritten(entry, 1), preset->minAgeDays, now);
     });
 }
 

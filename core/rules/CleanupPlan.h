@@ -70,7 +70,8 @@ struct PlannedItem {
 struct SkippedItem {
     std::filesystem::path url;
     SkipReason reason = SkipReason::unreadable;
-    /// The path guards' own sentence about a protected place, or that a search ran out of time in this folder.
+    /// The sentence about something protected, by the path guards or by the rule's preset, or that a search ran out of
+    /// time in this folder.
     std::optional<std::string> refusal;
 
     friend bool operator==(const SkippedItem&, const SkippedItem&) = default;

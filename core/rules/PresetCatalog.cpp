@@ -12,6 +12,7 @@ PresetCatalog PresetCatalog::offered(SystemKind system) {
     for (const PresetLinuxRow& row : presetLinuxRows()) {
         const auto preset = std::ranges::find(presets, row.id, &Preset::id);
         if (preset == presets.end()) continue;
+        if (row.replacesSources) preset->sources.clear();
         std::ranges::copy(row.sources, std::back_inserter(preset->sources));
         std::ranges::copy(row.pauseWhileRunning, std::back_inserter(preset->pauseWhileRunning));
     }

@@ -20,7 +20,7 @@ const std::vector<PresetLinuxRow>& presetLinuxRows() {
         {"edge-cache", {HomeSource{".cache/microsoft-edge"}}, {"microsoft-edge", "com.microsoft.Edge"}},
         {"firefox-cache", {HomeSource{".cache/mozilla/firefox"}}, {"firefox", "firefox-esr"}},
         {"brave-cache", {HomeSource{".cache/BraveSoftware/Brave-Browser"}}, {"brave-browser"}},
-        {"old-trash", {HomeTrashSource{}}, {}},
+        {.id = "old-trash", .sources = {HomeTrashSource{}}, .pauseWhileRunning = {}, .replacesSources = true},
     };
     return rows;
 }

@@ -17,6 +17,8 @@ struct PresetLinuxRow {
     std::string_view id;
     std::vector<PathSource> sources;
     std::vector<std::string> pauseWhileRunning;
+    /// The places of the table mean something else there: only these are the preset's.
+    bool replacesSources = false;
 };
 
 [[nodiscard]] const std::vector<PresetLinuxRow>& presetLinuxRows();

@@ -90,7 +90,8 @@ TEST(PresetPlanTest, leavesABrowserBesideWhichSomebodyKeepsMore) {
 TEST(PresetPlanTest, tellsWhenAnIDEWasOpenedByWhatItWrites) {
     const PlannerHome home;
     const std::string caches = ".cache/JetBrains/";
-    for (const char* version : {"IdeaIC2022.2", "PyCharm2022.1", "GoLand2022.3", "CLion2022.1"})
+    for (const char* version : {"IdeaIC2022.2", "PyCharm2022.1", "GoLand2022.3", "CLion2022.1", "RubyMine2022.1",
+                                "Rider2022.1", "WebStorm2022.1"})
         makeAged(home, caches + version + "/index", 91);
     for (const char* name : {"Toolbox/a", "Thesis2023.1/a", "PhpStorm2022.1/LocalHistory/changes", "DataGrip2022.1/a"})
         makeAged(home, caches + name, 999);
@@ -101,6 +102,13 @@ TEST(PresetPlanTest, tellsWhenAnIDEWasOpenedByWhatItWrites) {
     makeAged(home, "Library/Logs/JetBrains/PyCharm2022.1/idea.log", 89);
     makeAged(home, ".config/JetBrains/CLion2022.1/port", 91);
     home.setAge(".config/JetBrains/CLion2022.1", days(3));
+    // Links: to the settings of one, to a folder of another's, and to those of a third, on a disk that is away.
+    makeAged(home, "elsewhere/options/editor.xml", 91);
+    home.home.makeLink(".config/JetBrains/RubyMine2022.1", home / "elsewhere");
+    home.home.makeLink(".config/JetBrains/Rider2022.1/options", home / "elsewhere/options");
+    home.home.makeLink(".config/JetBrains/WebStorm2022.1", "/disk/that/is/away");
+    for (const char* name : {"RubyMine2022.1", "Rider2022.1/options", "Rider2022.1", "WebStorm2022.1"})
+        home.setAge(std::string(".config/JetBrains/") + name, days(91));
     EXPECT_EQ(verdictsOf(home, home.ruleOf("jetbrains-caches")), (Verdicts{{caches + "IdeaIC2022.2", planned},
                                                                            {caches + "GoLand2022.3", planned},
                                                                            {caches + "Toolbox", notTheTools},
@@ -131,12 +139,13 @@ TEST(PresetPlanTest, goesByTheDatesThatTheTrashKeeps) {
     const Rule rule = home.ruleOf("old-trash");
     Verdicts expected{{trash + "files/old", planned}, {trash + "files/left over", planned}};
     for (const char* name : {"undated", "odd", "other group", "too long", "linked", "not the user's alone"})
-        expected[trash + "files/" + name] = notTheTools;
+        expected[trash + "files/" + name] = neverRemoved;
+    home.home.makeFile(".Trash/made by hand");
     EXPECT_EQ(verdictsOf(home, rule), expected);
     home.now = Date::now() + days(29);
     EXPECT_FALSE(verdictsOf(home, rule).contains(trash + "files/left over")) << "the item came in now";
     chmod((home / (trash + "info")).c_str(), 0777);
-    EXPECT_EQ(verdictsOf(home, rule).at(trash + "files/old"), notTheTools) << "anybody may have dated it";
+    EXPECT_EQ(verdictsOf(home, rule).at(trash + "files/old"), neverRemoved) << "anybody may have dated it";
     home.planner.volume.fileSystemType = [](int) { return "msdos"; };
     const auto plan = home.plan(rule);
     ASSERT_FALSE(plan) << "nothing says when an item came in but a file that may be of another";

@@ -38,7 +38,7 @@ SAMPLES = {
     "zoom-cache": "Library/Caches/us.zoom.xos|/a|",
     "logs": "Library/Logs|/App/a.log|",
     "old-downloads": "Downloads|/film.mkv|",
-    "old-trash": ".Trash|/letter|",
+    "old-trash": ".local/share/Trash/files|/letter|",
     "screenshots": "Desktop|/Screenshot 2024-01-31 at 9.05.07\u202fPM.png|",
 }
 
@@ -68,6 +68,9 @@ class PresetsTest(ProgramTest):
 
                 root, item, inside = SAMPLES[preset["id"]].split("|")
                 self.make(root + item + inside)
+                if preset["id"] == "old-trash":
+                    self.make(".local/share/Trash/info/letter.trashinfo",
+                              text="[Trash Info]\nDeletionDate=2025-03-03T09:05:07\n")
                 self.make(root + "/my own folder/.DS_Store")
                 plan = self.preview(rule["id"])
                 found = {each["path"]: each["bytes"] for each in plan["items"]}

@@ -61,6 +61,7 @@ std::string exactSize(std::int64_t size) {
 }
 
 std::string namesOfKinds(const std::set<ArtifactKind>& kinds) {
+    if (kinds.empty()) return "no kind of build folder";
     std::vector<std::string> names;
     for (const ArtifactKind kind : kinds)
         names.emplace_back(namesOf(kind).folderName);

@@ -87,10 +87,10 @@ void ItemSelection::plans(std::filesystem::path&& url, const MeasuredItem& item,
     planned.isDirectory = item.type == EntryType::folder;
     planned.fileCount = item.facts.fileCount;
     planned.rootIndex = rootIndex;
+    const bool goesByModified = project || rule.filter.ageBasis == AgeBasis::modified;
     planned.project = std::move(project);
     plan.items.push_back(std::move(planned));
-    const bool lacksAddedDate = rule.filter.ageBasis == AgeBasis::modified && !root.recordsAddedDates;
-    plan.limitedDates = plan.limitedDates || lacksAddedDate;
+    plan.limitedDates = plan.limitedDates || (goesByModified && !root.recordsAddedDates);
 }
 
 std::filesystem::path ItemSelection::urlOf(const MeasuredItem& item) const {

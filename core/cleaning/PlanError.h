@@ -14,7 +14,7 @@ struct PlanError {
         filterNotAllowed,
         actionNotAllowed,
         overlappingRoots,
-        // These have a sentence of their own.
+        // These have a sentence of their own, unless a preset wants another.
         rootMissing,
         rootNotDirectory,
         rootUnreadable,

@@ -1,5 +1,6 @@
 #include "cleaning/RootOpening.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -19,6 +20,12 @@ namespace vostrel {
 namespace {
 
 using Kind = PlanError::Kind;
+
+constexpr const char* presetFoldersOverlap =
+    "The folders of this preset are inside one another here, so Vostrel will not clean them.";
+constexpr const char* presetDatesMissing =
+    "This disk does not record when files were added or opened, and this preset goes by that, so Vostrel leaves its "
+    "items alone.";
 
 PlanError errorOf(const ResolveError& error) {
     switch (error.kind) {
@@ -49,6 +56,7 @@ std::optional<PlanError> presetProblem(const Rule& rule, const Preset* preset) {
 
 std::optional<PlanError> projectScanProblem(const ProjectScanTarget& scan, const RuleFilter& filter) {
     if (filter.picksByAgeSizeOrName()) return PlanError{Kind::filterNotAllowed, sentences::projectScanHasNoFilters};
+    if (scan.kinds.empty()) return PlanError{Kind::filterNotAllowed, sentences::noKindOfBuildFolder};
     if (!scan.hasValidDays()) return PlanError{Kind::filterNotAllowed, sentences::untouchedDaysOutOfRange};
     return std::nullopt;
 }
@@ -85,9 +93,12 @@ std::expected<std::vector<OpenedRoot>, PlanError> RootOpening::open(const Rule& 
         auto opened = open(root, rule, preset);
         if (!opened && preset && opened.error().kind == Kind::rootMissing) continue;
         if (!opened) return std::unexpected(std::move(opened.error()));
-        for (const auto& other : roots) {
-            if (overlap(other.root, opened->root)) return std::unexpected(PlanError::of(Kind::overlappingRoots));
-        }
+        const auto isThisFolder = [&](const OpenedRoot& other) { return other.root.identity == opened->root.identity; };
+        if (preset && std::ranges::any_of(roots, isThisFolder)) continue;
+        const auto overlaps = [&](const OpenedRoot& other) { return overlap(other.root, opened->root); };
+        if (std::ranges::any_of(roots, overlaps))
+            return std::unexpected(preset ? PlanError{Kind::overlappingRoots, presetFoldersOverlap}
+                                          : PlanError::of(Kind::overlappingRoots));
         roots.push_back(std::move(*opened));
     }
     if (roots.empty()) return std::unexpected(PlanError::of(preset ? Kind::presetNotFound : Kind::rootMissing));
@@ -132,9 +143,7 @@ std::expected<OpenedRoot, PlanError> RootOpening::open(const ResolvedRoot& resol
     const bool isTheSame = isSameFolder(*before, opened.status) && opened.isStillThere();
     if (!isTheSame) return std::unexpected(PlanError::of(Kind::rootChanged));
     opened.root.datedByTrashInfo = resolved.datedByTrashInfo;
-    for (const AgeBasis basis : {rule.filter.ageBasis, preset ? preset->ageBasis : rule.filter.ageBasis}) {
-        if (auto error = checkBasis(folder.get(), basis, opened)) return std::unexpected(*std::move(error));
-    }
+    if (auto error = checkDates(folder.get(), rule, preset, opened)) return std::unexpected(*std::move(error));
     return opened;
 }
 
@@ -169,12 +178,17 @@ std::optional<PlanError> RootOpening::refuse(const ResolvedRoot& resolved, const
     return std::nullopt;
 }
 
-std::optional<PlanError> RootOpening::checkBasis(int openFolder, AgeBasis basis, OpenedRoot& opened) const {
+std::optional<PlanError> RootOpening::checkDates(int openFolder, const Rule& rule, const Preset* preset,
+                                                 OpenedRoot& opened) const {
     const std::string type = volume.fileSystemType(openFolder).value_or("");
     opened.recordsAddedDates = recordsAddedDates(type);
-    const bool isKept = basis == AgeBasis::modified || (basis == AgeBasis::added && opened.recordsAddedDates) ||
-                        (basis == AgeBasis::lastOpened && recordsLastUsedDates(type, volume.accessTimes(openFolder)));
-    if (!isKept) return PlanError::of(Kind::basisUnsupportedOnThisDisk);
+    const auto keeps = [&](AgeBasis basis) {
+        return basis == AgeBasis::modified || (basis == AgeBasis::added && opened.recordsAddedDates) ||
+               (basis == AgeBasis::lastOpened && recordsLastUsedDates(type, volume.accessTimes(openFolder)));
+    };
+    if (preset && !keeps(preset->ageBasis)) return PlanError{Kind::basisUnsupportedOnThisDisk, presetDatesMissing};
+    const bool isScan = std::holds_alternative<ProjectScanTarget>(rule.target);
+    if (!isScan && !keeps(rule.filter.ageBasis)) return PlanError::of(Kind::basisUnsupportedOnThisDisk);
     return std::nullopt;
 }
 

@@ -45,8 +45,8 @@ public:
     RootOpening(const PathGuards& pathGuards, const TargetResolver& targetResolver, const VolumeQuestions& questions)
         : guards(pathGuards), resolver(targetResolver), volume(questions) {}
 
-    /// All roots of the rule, in the target's order, none inside another; of a preset, those that exist. `isCancelled`
-    /// is asked before each.
+    /// All roots of the rule, in the target's order, none inside another; of a preset, those that exist, each once.
+    /// `isCancelled` is asked before each.
     [[nodiscard]] std::expected<std::vector<OpenedRoot>, PlanError> open(
         const Rule& rule, const PresetCatalog& catalog, const std::function<bool()>& isCancelled = {}) const;
 
@@ -58,7 +58,9 @@ private:
     [[nodiscard]] std::optional<PlanError> identify(int openFolder, OpenedRoot& opened) const;
     [[nodiscard]] std::optional<PlanError> refuse(const ResolvedRoot& resolved, const OpenedRoot& opened,
                                                   const Rule& rule) const;
-    [[nodiscard]] std::optional<PlanError> checkBasis(int openFolder, AgeBasis basis, OpenedRoot& opened) const;
+    /// Whether the disk keeps the dates that the rule and its preset go by; a project scan goes by none.
+    [[nodiscard]] std::optional<PlanError> checkDates(int openFolder, const Rule& rule, const Preset* preset,
+                                                      OpenedRoot& opened) const;
 
     const PathGuards& guards;
     const TargetResolver& resolver;

@@ -23,6 +23,7 @@ inline constexpr const char* projectScanHasNoFilters =
     "A project scan picks projects by how long they have been untouched, so it has no age, size or name filters.";
 inline constexpr const char* noProjectsInLibrary =
     "Vostrel does not look for projects inside ~/Library, where apps keep their own files.";
+inline constexpr const char* noKindOfBuildFolder = "Choose at least one kind of folder to remove.";
 inline constexpr const char* untouchedDaysOutOfRange = "Untouched days must be between 1 and 3650.";
 
 inline constexpr const char* folderMissing =

@@ -58,7 +58,7 @@ void checkProjectScan(const ProjectScanTarget& scan, const Rule& rule, const Tar
     problems.addIf(rule.filter.picksByAgeSizeOrName(), sentences::projectScanHasNoFilters);
     problems.addIf(scan.roots.empty(), "Choose at least one code folder.");
     problems.addIf(listsAFolderTwice(scan.roots), "A code folder is listed twice.");
-    problems.addIf(scan.kinds.empty(), "Choose at least one kind of folder to remove.");
+    problems.addIf(scan.kinds.empty(), sentences::noKindOfBuildFolder);
     problems.addIf(!scan.hasValidDays(), sentences::untouchedDaysOutOfRange);
     problems.addIf(!std::ranges::all_of(scan.roots, isFullPath), "Choose each code folder by its full path.");
     problems.addIf(std::ranges::any_of(scan.roots, [&](const auto& root) { return resolver.isInLibrary(root); }),

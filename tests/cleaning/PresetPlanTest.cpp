@@ -13,7 +13,9 @@ namespace {
 
 using std::chrono::days;
 using testing::Contains;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 constexpr const char* planned = "planned";
@@ -212,6 +214,21 @@ TEST(PresetPlanTest, holdsARuleToThePresetsAgeAndDate) {
     const auto plan = home.plan(rule);
     ASSERT_FALSE(plan) << "the preset goes by a date that this disk does not record";
     EXPECT_EQ(plan.error().kind, PlanError::Kind::basisUnsupportedOnThisDisk);
+    EXPECT_THAT(plan.error().sentence, Not(HasSubstr("Edit the rule"))) << "no edit of the rule changes the preset";
+}
+
+TEST(PresetPlanTest, takesAFolderOfTwoNamesOnceAndNoneInsideAnother) {
+    const PlannerHome home;
+    makeAged(home, ".cache/pip/http/a", 1);
+    home.home.makeLink("Library/Caches/pip", home / ".cache/pip");
+    EXPECT_EQ(verdictsOf(home, home.ruleOf("pip-cache")), (Verdicts{{".cache/pip/http", planned}}));
+
+    home.home.makeFolder(".cache/yarn/inner");
+    home.home.makeLink("Library/Caches/Yarn", home / ".cache/yarn/inner");
+    const auto nested = home.plan(home.ruleOf("yarn-cache"));
+    ASSERT_FALSE(nested);
+    EXPECT_EQ(nested.error().kind, PlanError::Kind::overlappingRoots);
+    EXPECT_THAT(nested.error().sentence, Not(HasSubstr("choose"))) << "a preset's folders are not chosen";
 }
 
 }  // namespace

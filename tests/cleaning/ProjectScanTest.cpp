@@ -407,6 +407,7 @@ TEST_F(ProjectScanTest, refusesWhatNoProjectScanMayBe) {
     const std::pair<Kind, std::function<void(RuleFilter&, ProjectScanTarget&)>> cases[] = {
         {Kind::filterNotAllowed, [](RuleFilter& filter, auto&) { filter.minAgeDays = 5; }},
         {Kind::filterNotAllowed, [](RuleFilter&, auto& scan) { scan.untouchedDays = 0; }},
+        {Kind::filterNotAllowed, [](RuleFilter&, auto& scan) { scan.kinds.clear(); }},
         {Kind::protectedRoot, [&](RuleFilter&, auto& scan) { scan.roots.push_back(home / "Library/Developer"); }},
         {Kind::overlappingRoots, [&](RuleFilter&, auto& scan) { scan.roots.push_back(home / "code/inner"); }},
         {Kind::rootMissing, [&](RuleFilter&, auto& scan) { scan.roots = {home / "gone"}; }},
@@ -417,6 +418,10 @@ TEST_F(ProjectScanTest, refusesWhatNoProjectScanMayBe) {
         const auto plan = home.plan(edited);
         EXPECT_TRUE(!plan && plan.error().kind == kind && !plan.error().sentence.empty()) << static_cast<int>(kind);
     }
+    home.planner.volume.fileSystemType = [](int) { return "msdos"; };
+    Rule byArrival = rule();
+    byArrival.filter.ageBasis = AgeBasis::added;
+    EXPECT_TRUE(home.plan(byArrival)) << "a scan does not go by the dates that this disk lacks";
 }
 
 TEST_F(ProjectScanTest, tellsAProjectsNewestSourceAgain) {

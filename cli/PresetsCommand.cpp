@@ -70,7 +70,9 @@ void addRows(std::vector<Output::Row>& rows, const Preset& preset, const PresetF
              const PathGuards& guards) {
     rows.push_back({{preset.id, Style::bold}, preset.name + ": " + preset.summary});
     if (!preset.reason.empty()) rows.push_back({"", {preset.reason, Style::dim}});
-    const auto limits = limitTexts(preset);
+    auto limits = limitTexts(preset);
+    if (preset.action == CleanupAction::deletePermanently)
+        limits.emplace_back("deletes for good, unless told otherwise");
     if (!limits.empty()) rows.push_back({"", {fmt::format("{}", fmt::join(limits, "; ")), Style::dim}});
     if (!here.folders.empty()) rows.push_back({"", {shown(here, guards), Style::good}});
 }

@@ -54,14 +54,15 @@ void showRule(Output& output, const Rule& rule, const CleanupPlanner& planner) {
          fmt::format("{}, {}", rule.enabled ? "enabled" : "disabled", approvalText(approvalState(rule, planner)))},
         {{"cleans", Style::dim}, targetText(rule.target)},
     };
-    if (const Preset* preset = planner.catalog.presetOf(rule.target)) {
+    const Preset* preset = planner.catalog.presetOf(rule.target);
+    if (preset != nullptr) {
         rows.push_back({"", preset->summary});
         const char* heldTo = "holds it to";
         for (const std::string& text : limitTexts(*preset))
             rows.push_back({{std::exchange(heldTo, ""), Style::dim}, text});
     }
     const char* label = "takes";
-    for (const std::string& text : filterTexts(rule))
+    for (const std::string& text : filterTexts(rule, preset))
         rows.push_back({{std::exchange(label, ""), Style::dim}, text});
     rows.push_back({{"action", Style::dim}, actionText(rule.action)});
     rows.push_back({{"runs", Style::dim}, triggersText(rule.triggers)});

@@ -36,6 +36,18 @@ std::string scopeText(RuleScope scope) {
     return {};
 }
 
+/// Of what the scope lets in, a preset may take less.
+std::string scopeText(RuleScope scope, const Preset* preset) {
+    if (preset != nullptr && preset->cleansScreenshots()) return scopeText(RuleScope::topLevelFiles);
+    if (preset != nullptr && preset->foldersOnly) return "each folder directly in it";
+    return scopeText(scope);
+}
+
+std::string namesText(const Preset& preset) {
+    if (!preset.namedLike.empty()) return "only files named like " + preset.namedLike;
+    return preset.foldersOnly ? "only folders with names that its tool gives" : "only names that its tool gives";
+}
+
 std::string ageText(int days, AgeBasis basis) {
     const std::string age = counted(days, "day", "days");
     switch (basis) {
@@ -96,10 +108,10 @@ std::string targetText(const RuleTarget& target) {
         });
 }
 
-std::vector<std::string> filterTexts(const Rule& rule) {
+std::vector<std::string> filterTexts(const Rule& rule, const Preset* preset) {
     const RuleFilter& filter = rule.filter;
     std::vector<std::string> texts;
-    if (!std::holds_alternative<ProjectScanTarget>(rule.target)) texts.push_back(scopeText(filter.scope));
+    if (!std::holds_alternative<ProjectScanTarget>(rule.target)) texts.push_back(scopeText(filter.scope, preset));
     if (filter.minAgeDays) texts.push_back(ageText(*filter.minAgeDays, filter.ageBasis));
     if (filter.minSizeBytes) texts.push_back(exactSize(*filter.minSizeBytes) + " or larger");
     if (!filter.includeGlobs.empty()) texts.push_back("named " + joined(filter.includeGlobs));
@@ -116,15 +128,14 @@ std::vector<std::string> filterTexts(const Rule& rule) {
 
 std::vector<std::string> limitTexts(const Preset& preset) {
     std::vector<std::string> texts;
-    if (preset.decidesNames())
-        texts.emplace_back(preset.foldersOnly ? "only folders with names that its tool gives"
-                                              : "only names that its tool gives");
+    if (preset.decidesNames()) texts.push_back(namesText(preset));
+    if (!preset.namesInside.empty()) texts.emplace_back("none that holds more than its tool puts there");
+    for (const std::string& name : preset.historyInside)
+        texts.push_back("none that holds \"" + name + "\", earlier versions of your own files");
     if (preset.minAgeDays) texts.push_back(ageText(*preset.minAgeDays, preset.ageBasis));
     for (const std::string& folder : preset.usedBeside)
         texts.push_back("nothing written since to its entry in ~/" + folder);
     if (preset.trashOnly) texts.emplace_back("only to the Trash");
-    if (preset.action == CleanupAction::deletePermanently)
-        texts.emplace_back("deletes for good, unless told otherwise");
     return texts;
 }
 

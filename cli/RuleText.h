@@ -14,8 +14,9 @@ namespace vostrel::cli {
 /// "/home/a/Downloads"; "preset npm-cache"; "projects in /home/a/Code untouched for 90 days".
 [[nodiscard]] std::string targetText(const RuleTarget& target);
 
-/// What qualifies, a phrase each: "every file and folder directly in it", "last modified 30 days ago or earlier", …
-[[nodiscard]] std::vector<std::string> filterTexts(const Rule& rule);
+/// What qualifies, a phrase each: "each file and each folder directly in it", "not modified for 30 days", … `preset` is
+/// the rule's, or null.
+[[nodiscard]] std::vector<std::string> filterTexts(const Rule& rule, const Preset* preset);
 
 /// What a preset holds its rules to, a phrase each: "added 30 days ago or earlier", "only to the Trash", …
 [[nodiscard]] std::vector<std::string> limitTexts(const Preset& preset);

@@ -31,6 +31,8 @@ struct Preset {
     /// unlike a rule's patterns they say nothing of what lies inside an item.
     std::vector<std::string> namePatterns = {};
     std::vector<std::string> excludePatterns = {};
+    /// What its names are those of, where no one tool gives them, for people to read: "log files".
+    std::string namedLike = {};
     RuleScope scope = RuleScope::topLevelItems;
     /// The tool makes only folders of those names: a file is none of its own.
     bool foldersOnly = false;

@@ -107,6 +107,16 @@ class PresetsTest(ProgramTest):
         for words in ("preset old-downloads", "Items in your Downloads folder.", "added 30 days ago or earlier",
                       "added 3 days ago or earlier", "The preset suggests to run it at the end of the day."):
             self.assertIn(words, shown)
+        for preset, present, absent in (
+                ("screenshots", ("only files named like macOS screenshots", "files directly in it"), "each folder"),
+                ("npm-cache", ("only folders with names that its tool gives", "each folder directly in it"), "each file"),
+                ("logs", ("only files named like log files", "every file in it, at any depth"), "its tool"),
+                ("jetbrains-caches", ("none that holds \"LocalHistory\"",), "each file"),
+                ("old-trash", ("moves them to the Trash", "each file and each folder directly in it"), "for good,")):
+            shown = self.succeed("rule", "add", preset, "--preset", preset, "--trash").out
+            for words in present:
+                self.assertIn(words, shown)
+            self.assertNotIn(absent, shown)
 
 
 if __name__ == "__main__":

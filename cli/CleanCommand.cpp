@@ -4,6 +4,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "base/ProgressBox.h"
@@ -114,7 +115,7 @@ CommandResult clean(Session& session, const GlobalOptions& options, const CleanO
             return cleaning.runner.run(rule, *plan, present, control);
         },
         cleaning);
-    session.log.prune(session.clock());
+    std::ignore = session.log.prune(session.clock());
     session.output.line();
     return ended(session, report);
 }
@@ -173,7 +174,7 @@ CommandResult cleanNow(Session& session, const GlobalOptions& options, const Cle
         if (isShort(report) && !hadNothingToDo) failure.sentences.push_back(rule.name + ": " + logLine(report));
         documents.push_back(encodeJSON(report));
     }
-    session.log.prune(session.clock());
+    std::ignore = session.log.prune(session.clock());
     if (auto shown = session.output.document(JSONObject{{"reports", std::move(documents)}}); !shown) return shown;
     if (failure.sentences.empty()) return {};
     return std::unexpected(std::move(failure));

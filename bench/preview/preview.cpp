@@ -2,6 +2,7 @@
 //   preview HOME FOLDER [HELPERS]
 #include <fmt/format.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 
@@ -38,4 +39,6 @@ int main(int count, char** arguments) {
         return 1;
     }
     fmt::print("items {} skipped {} bytes {}\n", plan->items.size(), plan->skipped.size(), plan->totalBytes());
+    std::fflush(stdout);
+    std::_Exit(0);  // taking the plan apart again is no part of planning
 }

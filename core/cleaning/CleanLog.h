@@ -75,7 +75,7 @@ public:
     /// Removes each day more than 90 days ago, and then the oldest days while the files hold more than `maxTotalBytes`,
     /// but for the newest one; with every day the detail files of its runs. Says what it removed. A file that is being
     /// written to just now stays for the next time.
-    Pruned prune(Date now) const;
+    [[nodiscard]] Pruned prune(Date now) const;
 
 private:
     /// The readable records of a day, in the file's order.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -177,7 +178,7 @@ private:
 
     [[nodiscard]] RunReport skipped(const Skip& skip) const {
         const auto report = RunReport::skipped(rule, trigger, skip.reason, runner.clock(), skip.message);
-        (void)runner.log.append(report);  // the log says itself what it could not write
+        std::ignore = runner.log.append(report);  // the log says itself what it could not write
         return report;
     }
 

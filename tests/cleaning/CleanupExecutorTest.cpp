@@ -6,6 +6,8 @@
 
 #include "cleaning/CleanupExecutor.h"
 #include "cleaning/ExecutorHome.h"
+#include "platform/TrashInfo.h"
+#include "rules/ArtifactFacts.h"
 
 namespace vostrel {
 namespace {
@@ -239,6 +241,101 @@ TEST_F(CleanupExecutorTest, asksForRunningAppsNoMoreOftenThanItsInterval) {
     const auto result = execute(plan(rule).value(), rule);
     EXPECT_EQ(result.stop, std::nullopt);
     EXPECT_EQ(apps.asked, 1);
+}
+
+class BuildFolderRemovalTest : public CleanupExecutorTest {
+protected:
+    [[nodiscard]] Rule scanning(ArtifactKind kind) const {
+        Rule rule;
+        rule.target = ProjectScanTarget{{home / "code"}, {kind}, 30};
+        rule.action = CleanupAction::deletePermanently;
+        return rule;
+    }
+    void makeNodeProject() const {
+        home.makeFile("code/app/package.json");
+        home.makeFile("code/app/node_modules/.package-lock.json", R"({"packages": {"node_modules/a": {}}})");
+        home.makeFile("code/app/node_modules/a/package.json");
+    }
+};
+
+TEST_F(BuildFolderRemovalTest, leavesABuildFolderWhoseProjectOrContentIsNotAsThePreviewSaw) {
+    using Measure = std::optional<Date>;
+    const std::string left = ", so Vostrel left it alone.";
+    struct Case {
+        std::string message;
+        std::function<Measure(Date seen)> measure;
+        std::function<void()> change = [] {};
+    };
+    const auto asSeen = [](Date seen) { return Measure(seen); };
+    const std::vector<Case> cases{
+        {"Vostrel could not check its project again, so it left it alone.", [](Date) { return Measure(); }},
+        {"Its project changed after the preview" + left, [](Date seen) { return Measure(seen + 1ns); }},
+        {"Its project changed in the last 30 days" + left, asSeen, [&] { now = now - days(11); }},
+        {"Something in it changed in the last 30 days" + left, asSeen,
+         [&] { setAge("code/app/node_modules/a/package.json", days(10)); }},
+        {"The file that marks it as build output is no longer beside it" + left, asSeen,
+         [&] { fs::remove(home / "code/app/package.json"); }},
+        {"It does not look like a folder " + factsOf(ArtifactKind::nodeModules).toolName() + " made" + left, asSeen,
+         [&] { home.makeFile("code/app/node_modules/mine/notes.txt"); }},
+    };
+    for (const Case& tested : cases) {
+        makeNodeProject();
+        const Date present = now;
+        const Rule rule = scanning(ArtifactKind::nodeModules);
+        const CleanupPlan seen = plan(rule).value();
+        ASSERT_EQ(seen.items.size(), 1U) << tested.message;
+        executor.measureProject = [&](const ProjectQuestion&) {
+            return ProjectMeasure{tested.measure(seen.items[0].project->newestSource), {}};
+        };
+        tested.change();
+        const auto outcome = execute(seen, rule).outcomes.at(0);
+        EXPECT_EQ(outcome.message, tested.message);
+        EXPECT_EQ(outcome.status, Status::changed);
+        now = present;
+        fs::remove_all(home / "code");
+    }
+    EXPECT_THAT(operations.touched, IsEmpty());
+}
+
+TEST_F(BuildFolderRemovalTest, takesAllBuildFoldersOfAProjectAndNoticesWhatElseHappensMeanwhile) {
+    for (const bool isDisturbed : {false, true}) {
+        for (const char* file : {"pyproject.toml", "a/m.py", "a/__pycache__/m.cpython-311.pyc", "b/n.py",
+                                 "b/__pycache__/n.cpython-311.pyc"})
+            home.makeFile(std::string("code/tool/") + file);
+        const Rule rule = scanning(ArtifactKind::pycache);
+        const CleanupPlan seen = plan(rule).value();
+        ASSERT_EQ(seen.items.size(), 2U);
+        operations.onRemove = [&](const fs::path& item) {
+            now = now + ProjectChecks::measureLifetime;
+            if (isDisturbed) home.makeFile((item.parent_path() / "new.py").lexically_relative(home.path()).native());
+        };
+        const auto outcomes = execute(seen, rule).outcomes;
+        EXPECT_EQ(outcomes[0].status, Status::deleted);
+        EXPECT_EQ(outcomes[1].status, isDisturbed ? Status::changed : Status::deleted);
+        EXPECT_EQ(outcomes[1].message.value_or(""),
+                  isDisturbed ? "Its project changed after the preview, so Vostrel left it alone." : "");
+        fs::remove_all(home / "code");
+    }
+}
+
+TEST_F(CleanupExecutorTest, holdsItemsOfATrashToTheDatesOfTheirInfoFilesAndForgetsThem) {
+    const auto trash = [&](const std::string& name, Date deleted) {
+        home.makeFile(".local/share/Trash/files/" + name);
+        home.makeFile(".local/share/Trash/info/" + name + ".trashinfo", trashInfoText(home / name, deleted));
+    };
+    trash("old", now - days(40));
+    trash("restored", now - days(40));
+    const Rule rule = ruleOf("old-trash");
+    const CleanupPlan seen = plan(rule).value();
+    ASSERT_EQ(seen.items.size(), 2U);
+    trash("restored", now - days(1));
+    for (const auto& outcome : execute(seen, rule).outcomes) {
+        const bool isOld = outcome.path.filename() == "old";
+        EXPECT_EQ(outcome.status, isOld ? Status::deleted : Status::changed);
+        EXPECT_EQ(outcome.message.value_or(""),
+                  isOld ? "" : "It is no longer older than 30 days, so Vostrel left it alone.");
+    }
+    EXPECT_THAT(home.names(".local/share/Trash/info"), ElementsAre("restored.trashinfo"));
 }
 
 }  // namespace

@@ -26,7 +26,10 @@ std::optional<std::string> applicationOfUnit(std::string_view unit) {
     if (!unit.starts_with(prefix)) return std::nullopt;
     unit.remove_prefix(prefix.size());
     if (unit.ends_with(scope)) {
-        unit = unit.substr(0, unit.rfind('-'));
+        unit.remove_suffix(scope.size());
+        const auto random = unit.rfind('-');
+        if (random == std::string_view::npos) return std::nullopt;
+        unit = unit.substr(0, random);
     } else if (unit.ends_with(service)) {
         unit.remove_suffix(service.size());
         unit = unit.substr(0, unit.find('@'));

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <functional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -141,7 +142,7 @@ void TreeRemover::visit(const char* name, EntryType type) {
 }
 
 OwnedDescriptor TreeRemover::open(const char* name) {
-    if (levels.size() - firstOpen >= mostOpenLevels) (void)closeOneAbove();
+    if (levels.size() - firstOpen >= mostOpenLevels) std::ignore = closeOneAbove();
     return withRoom([&] { return openSubfolder(containing(), name); });
 }
 

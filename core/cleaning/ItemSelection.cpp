@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/LongList.h"
 #include "filesystem/FileFacts.h"
 #include "platform/TrashInfo.h"
 
@@ -89,7 +90,7 @@ void ItemSelection::plans(std::filesystem::path&& url, const MeasuredItem& item,
     planned.rootIndex = rootIndex;
     const bool goesByModified = project || rule.filter.ageBasis == AgeBasis::modified;
     planned.project = std::move(project);
-    plan.items.push_back(std::move(planned));
+    appendToLongList(plan.items, std::move(planned));
     plan.limitedDates = plan.limitedDates || (goesByModified && !root.recordsAddedDates);
 }
 

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "base/LongList.h"
 #include "base/SystemError.h"
 
 namespace vostrel {
@@ -45,7 +46,7 @@ bool isSameAndUnchanged(const FileStatus& before, const std::expected<FileStatus
 
 void ItemNotes::entry(const FolderEntry& entry) {
     if (!holdsItems) return add(entry);
-    entries.push_back({entry, names.size(), entry.name.size()});
+    appendToLongList(entries, KeptEntry{entry, names.size(), entry.name.size()});
     names += entry.name;
 }
 

@@ -10,7 +10,7 @@
 namespace vostrel {
 
 SystemFolderSource::SystemFolderSource()
-    : SystemFolderSource([](const std::string& path) { return openFolder(path); }) {}
+    : SystemFolderSource([](const std::string& path) { return openFolder(path.c_str()); }) {}
 
 SystemFolderSource::SystemFolderSource(FolderOpener how) : opener(std::move(how)) {}
 

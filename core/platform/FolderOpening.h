@@ -8,7 +8,10 @@ namespace vostrel {
 /// as it is where the system lets us. Returns a descriptor that the caller closes, or -1 with `errno` set.
 ///
 /// The path may be longer than the system's limit for one call.
-[[nodiscard]] int openFolder(const std::filesystem::path& path);
+[[nodiscard]] int openFolder(const char* path);
+[[nodiscard]] inline int openFolder(const std::filesystem::path& path) {
+    return openFolder(path.c_str());
+}
 
 /// Opens the entry `name` of an open folder, itself a folder and no link, the same way. -1 with `errno` set, on Linux
 /// `EXDEV` where something is mounted on it.

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <cstring>
 #include <string>
 
 #include "platform/OwnedDescriptor.h"
@@ -56,9 +57,9 @@ int openLongPath(const std::string& path) {
 
 }  // namespace
 
-int openFolder(const std::filesystem::path& path) {
-    if (path.native().size() > longestPath) return openLongPath(path.native());
-    return openKeepingAccessDate(AT_FDCWD, path.c_str(), withoutLinks);
+int openFolder(const char* path) {
+    if (std::strlen(path) > longestPath) return openLongPath(path);
+    return openKeepingAccessDate(AT_FDCWD, path, withoutLinks);
 }
 
 int openSubfolder(int openFolder, const char* name) {

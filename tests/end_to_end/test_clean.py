@@ -94,8 +94,8 @@ class CleanTest(ProgramTest):
         self.wide_folder(20_000)
         self.add("Old", "--delete")
         with self.started() as program:
-            self.wait_for_a_run(program, 1)
-            time.sleep(0.1)
+            while len(os.listdir(self.downloads / "many")) == 50 and program.poll() is None:
+                time.sleep(0.001)
             program.send_signal(signal.SIGINT)
             out, err = program.communicate(timeout=120)
         report = json.loads(out)

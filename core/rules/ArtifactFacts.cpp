@@ -64,16 +64,17 @@ const Names documents{"*.doc",       "*.docx",     "*.docm",  "*.odt",    "*.ods
                       "*.xcarchive", "id_rsa",     "id_dsa",  "id_ecdsa", "id_ed25519"};
 
 // What packages and examples may bring along, but what compilers and bundlers do not make.
-const Names belongings = joined(
-    {documents,
-     {"*.pdf",       "*.csv",    "*.tsv",     "*.eml",      "*.ics",   "*.vcf",  "*.jpg",   "*.jpeg",  "*.tif",
-      "*.tiff",      "*.raw",    "*.mp3",     "*.m4a",      "*.wav",   "*.flac", "*.ogg",   "*.mp4",   "*.zip",
-      "*.7z",        "*.tar",    "*.tgz",     "*.tar.*",    "*.exe",   "*.msi",  "*.pkg",   "*.deb",   "*.rpm",
-      "mapping.txt", "*.sqlite", "*.sqlite3", "*.sqlitedb", "*.db",    "*.mdf",  "*.accdb", "*.dat",   "*.sav",
-      "*.sql",       "*.dump",   ".env",      ".env.*",     "*.env",   "*.pem",  "*.p12",   "*.pfx",   "*.keystore",
-      "*.jks",       "*.gpg",    "*.asc",     "*.sh",       "*.bash",  "*.zsh",  "*.fish",  "*.bat",   "*.ps1",
-      "*.py",        "*.rb",     "*.php",     "*.pl",       "*.lua",   "*.go",   "*.cs",    "*.scala", "*.clj",
-      "*.hs",        "*.tsx",    "*.jsx",     "*.svelte",   "*.astro", "*.scss", "*.sass",  "*.less",  "CNAME"}});
+const Names belongings =
+    joined({documents, {"*.pdf", "*.csv",   "*.tsv",  "*.eml",       "*.ics",    "*.vcf",      "*.jpg",      "*.jpeg",
+                        "*.tif", "*.tiff",  "*.raw",  "*.mp3",       "*.m4a",    "*.wav",      "*.flac",     "*.ogg",
+                        "*.mp4", "*.zip",   "*.7z",   "*.tar",       "*.tgz",    "*.tar.*",    "*.exe",      "*.msi",
+                        "*.pkg", "*.deb",   "*.rpm",  "mapping.txt", "*.sqlite", "*.sqlite3",  "*.sqlitedb", "*.db",
+                        "*.mdf", "*.accdb", "*.dat",  "*.sav",       "*.sql",    "*.dump",     ".env",       ".env.*",
+                        "*.env", "*.pem",   "*.key",  "*.p12",       "*.pfx",    "*.keystore", "*.jks",      "*.gpg",
+                        "*.asc", "*.sh",    "*.bash", "*.zsh",       "*.fish",   "*.bat",      "*.ps1",      "*.py",
+                        "*.rb",  "*.php",   "*.pl",   "*.lua",       "*.go",     "*.cs",       "*.scala",    "*.clj",
+                        "*.hs",  "*.tsx",   "*.jsx",  "*.svelte",    "*.astro",  "*.scss",     "*.sass",     "*.less",
+                        "CNAME"}});
 
 // What people write, and no tool into a folder of its own; compilers do, in places that they name.
 const Names writings{"*.md", "*.txt"};

@@ -27,6 +27,12 @@ std::size_t countOf(std::string_view text, int (*isOne)(int)) {
 /// Whether people write that: a letter, a version, or words and numbers one after the other ("2024Jan", "homePage2").
 bool isOfWords(std::string_view text) {
     const auto start = countOf(text, ::isalpha);
+    // "p5sketch", "i18nmain", and in "draft-2b" the end.
+    const auto number = countOf(text.substr(std::min<std::size_t>(start, 1)), ::isdigit);
+    const auto rest = text.substr(std::min(text.size(), std::min<std::size_t>(start, 1) + number));
+    const bool isNumberedWord = start == 1 && number > 0 && rest.size() >= 4 && countOf(rest, ::islower) == rest.size();
+    const bool isLetteredNumber = start == 0 && number > 0 && rest.size() == 1;
+    if (isNumberedWord || isLetteredNumber) return true;
     if (text.size() == 1 || (start < text.size() && start + countOf(text.substr(start), ::isdigit) == text.size()))
         return true;
     while (!text.empty()) {

@@ -63,7 +63,8 @@ std::set<std::string> placesOfYarn(const std::string& state) {
     bool isLinked = false;
     for (std::string line; std::getline(lines, line);) {
         if (!line.starts_with(' ')) {
-            isLinked = line.contains("@workspace:") || line.contains("@link:") || line.contains("@portal:");
+            // "a@workspace:a", and of a virtual one "a@virtual:0123#workspace:a".
+            isLinked = line.contains("workspace:") || line.contains("link:") || line.contains("portal:");
         } else if (line.starts_with(before) && !isLinked) {
             places.insert(line.substr(before.size(), line.find('"', before.size()) - before.size()));
         }
@@ -78,6 +79,7 @@ std::set<std::string> packagesOfPnpm(const std::string& lock) {
     std::istringstream lines(lock);
     bool namesPackages = false;
     for (std::string line; std::getline(lines, line);) {
+        if (line.empty()) continue;
         if (!line.starts_with(' ')) {
             namesPackages = line.starts_with("packages:") || line.starts_with("snapshots:");
             continue;
@@ -136,11 +138,24 @@ std::pair<std::string, std::string> versionOf(std::string_view archive) {
         break;
     }
     const auto isDigit = [](char each) { return std::isdigit(static_cast<unsigned char>(each)) != 0; };
-    for (auto dash = archive.find('-'); dash != std::string_view::npos; dash = archive.find('-', dash + 1)) {
-        if (dash + 1 < archive.size() && isDigit(archive[dash + 1]))
-            return {std::string(archive.substr(0, dash)), std::string(archive.substr(dash + 1))};
+    constexpr std::string_view separators = "-_";
+    for (auto at = archive.find_first_of(separators); at != std::string_view::npos;
+         at = archive.find_first_of(separators, at + 1)) {
+        auto version = archive.substr(at + 1);
+        if (version.starts_with('v') || version.starts_with('V')) version.remove_prefix(1);
+        if (!version.empty() && isDigit(version.front()))
+            return {std::string(archive.substr(0, at)), std::string(version)};
     }
     return {std::string(archive), {}};
+}
+
+/// What pnpm adds to a version: nothing, the packages that it was installed beside, or a digest of their names.
+bool namesPeers(std::string_view suffix) {
+    constexpr std::size_t digestLength = 26;
+    const bool isDigest = suffix.size() > digestLength && std::ranges::all_of(suffix.substr(1), [](char each) {
+                              return std::isalnum(static_cast<unsigned char>(each)) != 0;
+                          });
+    return suffix.empty() || suffix.contains('@') || isDigest;
 }
 
 }  // namespace
@@ -196,7 +211,7 @@ bool ArtifactLists::holdsListedPackages(const std::string& folder) {
         // "left-pad@^1.0.0", "@scope/name@1.0.0"
         for (const auto& [pattern, origin] :
              membersOf(reader.textOf(folder + "/.yarn-integrity").value_or(""), "lockfileEntries"))
-            installed.names.insert(pattern.substr(0, pattern.find('@', 1)));
+            if (!pattern.contains("@link:")) installed.names.insert(pattern.substr(0, pattern.find('@', 1)));
     } else if (reader.isFile(folder + "/.yarn-state.yml")) {
         installed.places = placesOfYarn(reader.textOf(folder + "/.yarn-state.yml").value_or(""));
     } else {
@@ -234,24 +249,32 @@ bool ArtifactLists::holdsStoredPackages(const std::string& folder) {
     const auto store = reader.contentOf(folder + "/.pnpm");
     const auto listed = packagesOfPnpm(reader.textOf(folder + "/.pnpm/lock.yaml").value_or(""));
     return isLinked && store && std::ranges::all_of(store->folders, [&](const std::string& stored) {
-               if (stored == "node_modules") return true;
+               if (stored == "node_modules") return holdsOnlyLinks(folder + "/.pnpm/node_modules");
                const auto version = stored.find('@', 1);
                if (version == std::string::npos) return false;
                std::string name = stored.substr(0, version);
                std::ranges::replace(name, '+', '/');
                const std::string place = folder + "/.pnpm/" + stored;
                const auto own = reader.contentOf(place);
-               const auto package = name + stored.substr(version, stored.find_first_of("_(", version) - version);
-               return own && own->files.empty() && own->folders == std::vector<std::string>{"node_modules"} &&
-                      listed.contains(package) && holdsOnlyLinks(place + "/node_modules", name);
+               const auto end = std::min(stored.find_first_of("_(", version), stored.size());
+               const auto package = name + stored.substr(version, end - version);
+               return namesPeers(stored.substr(end)) && own && own->files.empty() &&
+                      own->folders == std::vector<std::string>{"node_modules"} && listed.contains(package) &&
+                      holdsOnlyLinks(place + "/node_modules", name);
            });
+}
+
+bool ArtifactLists::holdsNoFolders(const std::string& folder) {
+    const auto content = reader.contentOf(folder);
+    return content && content->folders.empty();
 }
 
 /// Links, scopes of links, and one folder.
 bool ArtifactLists::holdsOnlyLinks(const std::string& folder, const std::string& butFolder) {
     const auto content = reader.contentOf(folder);
     return content && content->files.empty() && std::ranges::all_of(content->folders, [&](const std::string& name) {
-               if (name == butFolder || name == ".bin") return true;
+               if (name == butFolder) return true;
+               if (name == ".bin") return holdsNoFolders(folder + "/.bin");
                const bool isItsScope = name.starts_with('@') && butFolder.starts_with(name + "/");
                const std::string inner = isItsScope ? butFolder.substr(name.size() + 1) : std::string();
                return name.starts_with('@') && holdsOnlyLinks(folder + "/" + name, inner);
@@ -264,7 +287,9 @@ bool ArtifactLists::holdsListedPods(const std::string& folder) {
     // "- Name (1.0)", "- Name/Part (1.0)", or either in quotes.
     const std::string list = reader.textOf(folder + "/Manifest.lock").value_or("");
     const auto isListed = [&](const std::string& name) {
-        if (list.contains("\n  " + name + ":\n    :path:")) return false;  // used where it lies
+        const bool isUsedWhereItLies =
+            list.contains("\n  " + name + ":\n    :path:") || list.contains("\n  \"" + name + "\":\n    :path:");
+        if (isUsedWhereItLies) return false;
         return list.contains("- " + name + " (") || list.contains("- " + name + "/") ||
                list.contains("- \"" + name + " (") || list.contains("- \"" + name + "/");
     };

@@ -28,6 +28,7 @@ private:
     [[nodiscard]] bool holdsListedPackages(const std::string& folder);
     [[nodiscard]] bool holdsPackages(const std::string& folder, const std::string& place, const PackageList& installed);
     [[nodiscard]] bool holdsStoredPackages(const std::string& folder);
+    [[nodiscard]] bool holdsNoFolders(const std::string& folder);
     [[nodiscard]] bool holdsOnlyLinks(const std::string& folder, const std::string& butFolder = {});
     [[nodiscard]] bool holdsListedPods(const std::string& folder);
     [[nodiscard]] bool holdsListedCheckouts(const std::string& packages);

@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <string_view>
@@ -52,7 +54,7 @@ GitRepositories::Answer GitRepositories::tracking(const std::string& folder) {
          slash = slash > 0 ? folder.rfind('/', slash - 1) : std::string::npos) {
         const Index& index = indexOf(folder.substr(0, slash));
         if (!index) return Answer::unknown;
-        if (*index) return (*index)->names(folder.substr(slash + 1)) ? Answer::tracked : Answer::notTracked;
+        if (*index && (*index)->names(folder.substr(slash + 1))) return Answer::tracked;
     }
     return Answer::notTracked;
 }
@@ -72,7 +74,14 @@ GitRepositories::Index GitRepositories::read(const std::string& folder) const {
     if (status->type == EntryType::file) repository = repositoryOf(folder.empty() ? "/" : folder);
     if (!repository) return std::unexpected(Unreadable{});
     const auto bytes = contentOf(*repository, "index", GitIndex::longest);
-    if (!bytes && bytes.error() == ENOENT) return std::nullopt;
+    if (!bytes && bytes.error() == ENOENT) {
+        // With commits and without an index, which Git makes again when it is asked to, they say what is kept.
+        const bool mayHoldCommits = std::ranges::any_of(std::array{"logs", "packed-refs"}, [&](const char* name) {
+            const auto sign = source.lookUp((*repository / name).native());
+            return sign || !isMissing(sign.error());
+        });
+        if (!mayHoldCommits) return std::nullopt;
+    }
     auto index = bytes ? GitIndex::parse(*bytes) : std::nullopt;
     if (!index) return std::unexpected(Unreadable{});
     return index;

@@ -10,10 +10,10 @@
 
 namespace vostrel {
 
-/// Tells whether the Git repository around a folder keeps something in it under version control.
+/// Tells whether a Git repository around a folder keeps something in it under version control.
 ///
-/// That is the nearest one around it that has an index; one without keeps nothing yet. Follows no link but what a
-/// worktree or submodule says of where its repository lies, downloads nothing, and reads each index once. One thread
+/// Every repository around it is asked; one with neither index nor commits keeps nothing yet. Follows no link but what
+/// a worktree or submodule says of where its repository lies, downloads nothing, and reads each index once. One thread
 /// uses an object.
 class GitRepositories {
 public:

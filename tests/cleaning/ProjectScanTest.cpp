@@ -53,11 +53,11 @@ protected:
              R"({"packages": {"node_modules/a": {}, "node_modules/@b/c": {"link": false}, "node_modules/own": {"link": true}}})"},
             {"Manifest.lock",
              "PODS:\n  - Lib (1.0)\n  - Own (1.0)\n\nEXTERNAL SOURCES:\n  Own:\n    :path: \"../Own\"\n"},
-            {".yarn-integrity", R"({"lockfileEntries": {"a@^1.0.0": "", "@b/c@1": ""}})"},
+            {".yarn-integrity", R"({"lockfileEntries": {"a@^1.0.0": "", "@b/c@1": "", "linked@link:../linked": ""}})"},
             {".yarn-state.yml",
              "\"a@npm:1.0.0\":\n  locations:\n    - \"node_modules/a\"\n\"own@workspace:own\":\n  locations:\n    - "
              "\"node_modules/own\"\n"},
-            {"lock.yaml", "importers:\n  own@1:\npackages:\n  a@1:\n  ab@1(a@1):\n  '@b/c@2':\n"},
+            {"lock.yaml", "importers:\n  own@1:\n\npackages:\n\n  a@1:\n  ab@1(a@1):\n  '@b/c@2':\n"},
             {"workspace-state.json",
              R"({"object": {"dependencies": [{"packageRef": {"location": "https://host/from.git"}, "subpath": "a",
                                               "state": {"name": "sourceControlCheckout"}},
@@ -178,9 +178,15 @@ package.json, node_modules/.package-lock.json, node_modules/own/package.json
 package.json, node_modules/.yarn-state.yml, node_modules/own/package.json
 package.json, node_modules/.modules.yaml, node_modules/.pnpm/lock.yaml, node_modules/.pnpm/b@1/node_modules/b/b.js
 package.json, node_modules/.modules.yaml, node_modules/.pnpm/lock.yaml, node_modules/.pnpm/own@1/node_modules/own/own.js
+package.json, node_modules/.modules.yaml, node_modules/.pnpm/lock.yaml, node_modules/.pnpm/node_modules/mine/index.js
+package.json, node_modules/.modules.yaml, node_modules/.pnpm/lock.yaml, node_modules/.pnpm/a@1/node_modules/a/a.js, node_modules/.pnpm/a@1/node_modules/.bin/mine/x.js
+package.json, node_modules/.modules.yaml, node_modules/.pnpm/lock.yaml, node_modules/.pnpm/a@1_2024-backup/node_modules/a/a.js
+package.json, node_modules/.yarn-integrity, node_modules/linked/package.json
 package.json, .next/BUILD_ID, .next/build-manifest.json, .next/cache/thesis.txt
 astro.config.mjs, dist/index.html, dist/_astro/.DS_Store
 build.gradle, build/tmp/jar/MANIFEST.MF, build/libs/a-1.0.jar, build/libs/a-1.1.jar
+build.gradle, build/tmp/jar/MANIFEST.MF, build/libs/a_v1.jar, build/libs/a_v2.jar
+build.gradle, build/tmp/jar/MANIFEST.MF, build/intermediates/talk.key
 build.gradle, src/main/resources/others.md, build/tmp/jar/MANIFEST.MF, build/resources/main/notes.md
 pom.xml, target/maven-archiver/pom.properties, target/a-1.0.jar, target/a-1.0-rc1.jar
 Podfile, Podfile.lock, Pods/Manifest.lock, Pods/Pods.xcodeproj/a, Pods/Target Support Files/a.xcconfig, Pods/Own/a.m
@@ -212,6 +218,7 @@ TEST_F(ProjectScanTest, leavesWhatTheRepositoryAroundItKeeps) {
         {"others/in", "a.js", "", unrecognised},
         {"kept/own", ".git/index", others, planned},
         {"kept/unborn", ".git/HEAD", "ref: refs/heads/main", planned},
+        {"headless", ".git/logs/HEAD", "", unread},
         {"broken", ".git/index", kept.substr(0, 99), unread},
         {"broken/in", "a.js", "", unread},
         {"folder", ".git/index/a", "", unread},

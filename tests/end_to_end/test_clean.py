@@ -8,7 +8,7 @@ import threading
 import time
 import unittest
 
-from driver import PROGRAM, ProgramTest, tree_of
+from driver import PROGRAM, ProgramTest, clock_ahead, tree_of
 
 LATER = 40
 ROUNDS = int(os.environ.get("VOSTREL_ROUNDS", "1"))
@@ -19,13 +19,9 @@ class CleanTest(ProgramTest):
         return self.run_program("--json", "clean", name, "--yes", *options, days_ahead=LATER, **more)
 
     def started(self, name="Old", *options):
-        """The program at work, to be disturbed: under the fake clock, but without its wrapper, which would get the
-        signals."""
-        asked = subprocess.run(["faketime", "-f", f"+{LATER}d", "env", "-0"], capture_output=True, check=True)
-        environment = dict(entry.split("=", 1) for entry in asked.stdout.decode().split("\0") if entry)
-        environment.pop("FAKETIME_SHARED")  # it goes with the wrapper
-        environment |= {"NO_FAKE_STAT": "1",
-                        "ASAN_OPTIONS": environment.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0"}
+        """The program at work, to be disturbed."""
+        environment = {key: value for key, value in os.environ.items() if not key.startswith("XDG_")}
+        environment |= clock_ahead(LATER)
         return subprocess.Popen([PROGRAM, "--home", self.home, "--json", "clean", name, "--yes", *options],
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=environment, text=True)
 

@@ -26,10 +26,10 @@ TEST(ArtifactLayoutTest, tellsHashesFromWordsVersionsAndDates) {
     // As the tools write them: in base 64, in hexadecimal digits, in capitals.
     const Names hashes{"B8sKq2xZ", "D_tn1WmV", "4sK0E3Uq", "C5pvF9Zr", "CZzuUOcT", "-x9Qa0bT", "3f2a91bc",
                        "9c07e5d1", "0be4f83a", "5LKJ2XQ3", "FFHMD2TL", "QZ2YKE5J", "BqM_wQ7m", "DDt8DcHj"};
-    const Names words{"24-01-31", "20240131", "2024_Jan", "2024Jan1", "31Dec-24", "v1-final", "final_v2",
-                      "v2-page3", "no-cache", "old_copy", "new-page", "my_notes", "mainpage", "release1",
-                      "homePage", "HomePage", "LastGood", "MyNovel1", "HTMLPage", "VERSION2", "OLD-COPY",
-                      "option-b", "part-a-1", "2ndDraft", "2nddraft", "________", "a b c d1"};
+    const Names words{"24-01-31", "20240131", "2024_Jan", "2024Jan1", "31Dec-24", "v1-final", "final_v2", "v2-page3",
+                      "no-cache", "old_copy", "new-page", "my_notes", "mainpage", "release1", "homePage", "HomePage",
+                      "LastGood", "MyNovel1", "HTMLPage", "VERSION2", "OLD-COPY", "option-b", "part-a-1", "p5sketch",
+                      "i18nmain", "draft-2b", "2024-01b", "2ndDraft", "2nddraft", "________", "a b c d1"};
     Names files;
     for (const auto* list : {&hashes, &words}) {
         for (const std::string& text : *list)

@@ -27,7 +27,7 @@ Names below(const Names& folders, const Names& paths) {
     Names all;
     for (const std::string& folder : folders) {
         for (const std::string& path : paths)
-            all.push_back(folder + "/" + path);
+            all.push_back(fmt::format("{}/{}", folder, path));
     }
     return all;
 }

@@ -350,7 +350,7 @@ std::set<std::string> ArtifactLists::installedFiles(const std::string& environme
     if (!versions) return found;
     for (const std::string& version : versions->folders) {
         const std::string packages = fmt::format("lib/{}/site-packages/", version);
-        const auto content = reader.contentOf(environment + "/" + packages);
+        const auto content = reader.contentOf(fmt::format("{}/{}", environment, packages));
         if (!content) continue;
         for (const std::string& name : content->folders) {
             if (!name.ends_with(".dist-info")) continue;
@@ -373,9 +373,9 @@ void ArtifactLists::addFilesBelow(const std::string& folder, const std::string& 
     const auto content = reader.contentOf(folder);
     if (!content) return;
     for (const std::string& file : content->files)
-        files.insert(as + "/" + file);
+        files.insert(fmt::format("{}/{}", as, file));
     for (const std::string& inner : content->folders)
-        addFilesBelow(folder + "/" + inner, as + "/" + inner, depth + 1, files);
+        addFilesBelow(fmt::format("{}/{}", folder, inner), fmt::format("{}/{}", as, inner), depth + 1, files);
 }
 
 }  // namespace vostrel

@@ -54,7 +54,8 @@ GitRepositories::Answer GitRepositories::tracking(const std::string& folder) {
          slash = slash > 0 ? folder.rfind('/', slash - 1) : std::string::npos) {
         const Index& index = indexOf(folder.substr(0, slash));
         if (!index) return Answer::unknown;
-        if (*index && (*index)->names(folder.substr(slash + 1))) return Answer::tracked;
+        const std::optional<GitIndex>& kept = *index;
+        if (kept && kept->names(folder.substr(slash + 1))) return Answer::tracked;
     }
     return Answer::notTracked;
 }

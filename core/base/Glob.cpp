@@ -123,13 +123,28 @@ std::vector<std::string_view> bytesOf(std::string_view text) {
     return list;
 }
 
-/// Gives `match` the folded characters of a name, so that several patterns share one folding.
+/// Whether each byte of a name is a character: a carriage return and the line feed after it are one.
+bool isPlain(std::string_view name) {
+    return isASCII(name) && name.find('\r') == std::string_view::npos;
+}
+
+/// Gives `match` the folded characters of a name.
 template <class Match>
 bool withCharacters(std::string_view name, Match match) {
-    // A carriage return and the line feed after it are one character.
-    if (isASCII(name) && name.find('\r') == std::string_view::npos) return match(ASCIICharacters(name));
+    if (isPlain(name)) return match(ASCIICharacters(name));
     const std::string form = folded(name);
     return match(graphemes(form));
+}
+
+/// The text that tokens stand for; nothing when they stand for several, or for one that no plain name has.
+std::optional<std::string> textOf(std::span<const Glob::Token> tokens) {
+    std::string text;
+    for (const Glob::Token& token : tokens) {
+        const auto* literal = std::get_if<Glob::Literal>(&token);
+        if (literal == nullptr || !isPlain(literal->character)) return std::nullopt;
+        text += literal->character;
+    }
+    return text;
 }
 
 bool isInSet(const Glob::Set& set, std::string_view character) {
@@ -204,11 +219,7 @@ bool Glob::passes(std::string_view name, std::span<const std::string> include, s
 }
 
 bool Glob::passes(std::string_view name, const Patterns& include, const Patterns& exclude) {
-    return withCharacters(name, [&](const auto& characters) {
-        const auto matchesName = [&](const Glob& glob) { return walk(glob.tokens, characters); };
-        return std::ranges::none_of(exclude.globs, matchesName) &&
-               (include.isEmpty() || std::ranges::any_of(include.globs, matchesName));
-    });
+    return !exclude.matchesAny(name) && (include.isEmpty() || include.matchesAny(name));
 }
 
 std::expected<Glob::Patterns, std::string> Glob::Patterns::compile(std::span<const std::string> patterns) {
@@ -216,15 +227,45 @@ std::expected<Glob::Patterns, std::string> Glob::Patterns::compile(std::span<con
     for (const std::string& pattern : patterns) {
         auto glob = Glob::compile(pattern);
         if (!glob) return std::unexpected(std::move(glob.error()));
-        list.globs.push_back(std::move(*glob));
+        list.add(std::move(*glob));
     }
     return list;
 }
 
+void Glob::Patterns::add(Glob glob) {
+    const std::span<const Token> tokens(glob.tokens);
+    const auto ending = isStar(tokens.front()) ? textOf(tokens.subspan(1)) : std::nullopt;
+    if (auto name = textOf(tokens)) {
+        names.insert(*std::move(name));
+    } else if (ending && ending->starts_with('.')) {
+        endings.insert(*ending);
+    } else {
+        others.push_back(glob);
+    }
+    globs.push_back(std::move(glob));
+}
+
 bool Glob::Patterns::matchesAny(std::string_view name) const {
-    return withCharacters(name, [&](const auto& characters) {
-        return std::ranges::any_of(globs, [&](const Glob& glob) { return walk(glob.tokens, characters); });
-    });
+    const auto walksAny = [](const std::vector<Glob>& list, const auto& characters) {
+        return std::ranges::any_of(list, [&](const Glob& glob) { return walk(glob.tokens, characters); });
+    };
+    std::array<char, 256> lowered;  // longer than most systems let names be
+    if (!isPlain(name) || name.size() > lowered.size())
+        return withCharacters(name, [&](const auto& characters) { return walksAny(globs, characters); });
+    const ASCIICharacters characters(name);
+    for (std::size_t place = 0; place < characters.size(); ++place)
+        lowered[place] = characters[place].front();
+    return looksUp({lowered.data(), name.size()}) || walksAny(others, characters);
+}
+
+/// Whether the name, or an ending of it that begins with a ".", is listed.
+bool Glob::Patterns::looksUp(std::string_view lowered) const {
+    if (names.contains(lowered)) return true;
+    if (endings.empty()) return false;
+    for (auto dot = lowered.find('.'); dot != std::string_view::npos; dot = lowered.find('.', dot + 1)) {
+        if (endings.contains(lowered.substr(dot))) return true;
+    }
+    return false;
 }
 
 std::expected<Glob::ExactPatterns, std::string> Glob::ExactPatterns::compile(std::span<const std::string> patterns) {

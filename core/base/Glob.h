@@ -1,7 +1,9 @@
 #pragma once
 
 #include <expected>
+#include <functional>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -58,7 +60,7 @@ private:
     std::vector<Token> tokens;
 };
 
-/// A list of patterns compiled once.
+/// A list of patterns compiled once. Of long lists, names and endings ("*.docx") cost an ASCII name next to nothing.
 class Glob::Patterns {
 public:
     Patterns() = default;
@@ -69,9 +71,14 @@ public:
     [[nodiscard]] bool matchesAny(std::string_view name) const;
 
 private:
-    friend class Glob;
+    void add(Glob glob);
+    [[nodiscard]] bool looksUp(std::string_view lowered) const;
 
     std::vector<Glob> globs;
+    // The same for ASCII names: whole ones, what stands after a "*" from a "." on, and all others.
+    std::set<std::string, std::less<>> names;
+    std::set<std::string, std::less<>> endings;
+    std::vector<Glob> others;
 };
 
 /// The same, compared byte by byte with nothing folded: "[a-z]" is a small ASCII letter and "?" any one byte.

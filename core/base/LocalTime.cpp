@@ -1,28 +1,31 @@
 #include "base/LocalTime.h"
 
-#include <fmt/chrono.h>
+#include <fmt/format.h>
 
-#include <ctime>
+#include "base/Calendar.h"
 
 namespace vostrel {
 
 namespace {
 
-std::string formatted(Date date, const char* form) {
-    const std::time_t seconds = date.seconds();
-    std::tm local = {};
-    if (localtime_r(&seconds, &local) == nullptr) return "unknown";
-    return fmt::format(fmt::runtime(form), local);
+using std::chrono::floor;
+
+std::string dayText(WallTime time) {
+    const std::chrono::year_month_day day(floor<std::chrono::days>(time));
+    return fmt::format("{:04}-{:02}-{:02}", static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
+                       static_cast<unsigned>(day.day()));
 }
 
 }  // namespace
 
 std::string localDay(Date date) {
-    return formatted(date, "{:%Y-%m-%d}");
+    return dayText(Calendar().wallTime(date));
 }
 
 std::string localTime(Date date) {
-    return formatted(date, "{:%Y-%m-%d %H:%M}");
+    const WallTime time = Calendar().wallTime(date);
+    const std::chrono::hh_mm_ss clock(time - floor<std::chrono::days>(time));
+    return fmt::format("{} {:02}:{:02}", dayText(time), clock.hours().count(), clock.minutes().count());
 }
 
 }  // namespace vostrel

@@ -6,8 +6,7 @@
 
 namespace vostrel {
 
-/// A date as clocks and calendars show it where the user is: "2025-03-03", "2025-03-03 09:05". "unknown" for a date
-/// that the system's calendar cannot tell.
+/// A date as clocks and calendars show it where the machine is: "2025-03-03", "2025-03-03 09:05".
 [[nodiscard]] std::string localDay(Date date);
 [[nodiscard]] std::string localTime(Date date);
 

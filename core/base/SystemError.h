@@ -24,4 +24,9 @@ struct SystemError {
     return error == ENOENT || error == ENOTDIR;
 }
 
+/// Whether opening a path without following links failed because it no longer leads where it did.
+[[nodiscard]] inline bool isAnotherPath(int error) {
+    return isMissing(error) || error == ELOOP;
+}
+
 }  // namespace vostrel

@@ -67,6 +67,17 @@ bool isValidUTF8(std::string_view text) {
     return true;
 }
 
+std::string repaired(std::string_view text) {
+    std::string valid;
+    while (!text.empty()) {
+        utf8proc_int32_t point = 0;
+        const auto length = utf8proc_iterate(bytesOf(text), static_cast<utf8proc_ssize_t>(text.size()), &point);
+        valid += length > 0 ? text.substr(0, static_cast<std::size_t>(length)) : "\ufffd";
+        text.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
+    }
+    return valid;
+}
+
 std::string precomposed(std::string_view text) {
     if (isASCII(text)) return std::string(text);
     std::size_t length = 0;

@@ -14,6 +14,9 @@ namespace vostrel {
 [[nodiscard]] bool isASCII(std::string_view text);
 [[nodiscard]] bool isValidUTF8(std::string_view text);
 
+/// The text with U+FFFD in place of each byte that is not UTF-8.
+[[nodiscard]] std::string repaired(std::string_view text);
+
 /// Canonical composition (NFC).
 [[nodiscard]] std::string precomposed(std::string_view text);
 

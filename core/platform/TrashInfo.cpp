@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <charconv>
 #include <chrono>
-#include <ctime>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "base/Calendar.h"
 #include "platform/FileContent.h"
 #include "platform/FileStatus.h"
 #include "platform/FolderOpening.h"
@@ -42,12 +42,14 @@ std::string percentEncoded(std::string_view path) {
     return encoded;
 }
 
-std::string localTime(Date date) {
-    const std::time_t seconds = date.seconds();
-    std::tm parts{};
-    ::localtime_r(&seconds, &parts);
-    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
-                       parts.tm_hour, parts.tm_min, parts.tm_sec);
+std::string wallText(Date date) {
+    const WallTime time = Calendar().wallTime(date);
+    const auto midnight = std::chrono::floor<std::chrono::days>(time);
+    const std::chrono::year_month_day day(midnight);
+    const std::chrono::hh_mm_ss clock(time - midnight);
+    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", static_cast<int>(day.year()),
+                       static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()), clock.hours().count(),
+                       clock.minutes().count(), clock.seconds().count());
 }
 
 /// The longest path, every byte of it written as "%41", and the rest of the file many times over.
@@ -91,41 +93,20 @@ int number(std::string_view digits) {
 }
 
 /// "2025-03-03T09:05:07" and nothing else: a day that there was, since 1970.
-std::optional<std::tm> calendarTime(std::string_view text) {
+std::optional<Date> localDate(std::string_view text) {
     constexpr std::string_view form = "0000-00-00T00:00:00";
     const bool hasForm = std::ranges::equal(text, form, [](char letter, char wanted) {
         return wanted == '0' ? letter >= '0' && letter <= '9' : letter == wanted;
     });
     if (!hasForm) return std::nullopt;
-    std::tm parts{};
-    parts.tm_year = number(text.substr(0, 4)) - 1900;
-    parts.tm_mon = number(text.substr(5, 2)) - 1;
-    parts.tm_mday = number(text.substr(8, 2));
-    parts.tm_hour = number(text.substr(11, 2));
-    parts.tm_min = number(text.substr(14, 2));
-    parts.tm_sec = number(text.substr(17, 2));
-    const std::chrono::year_month_day day{std::chrono::year(parts.tm_year + 1900),
-                                          std::chrono::month(static_cast<unsigned>(parts.tm_mon + 1)),
-                                          std::chrono::day(static_cast<unsigned>(parts.tm_mday))};
-    const bool isTime = parts.tm_hour < 24 && parts.tm_min < 60 && parts.tm_sec < 60;
-    if (!day.ok() || parts.tm_year < 70 || !isTime) return std::nullopt;
-    return parts;
-}
-
-std::optional<Date> localDate(std::string_view text) {
-    const auto parts = calendarTime(text);
-    if (!parts) return std::nullopt;
-    std::optional<Date> latest;
-    for (const int isSummer : {-1, 0, 1}) {
-        std::tm tried = *parts;
-        tried.tm_isdst = isSummer;
-        const std::time_t seconds = std::mktime(&tried);
-        if (seconds == -1 || tried.tm_mday != parts->tm_mday) continue;
-        const bool isThatTime = isSummer == -1 || (tried.tm_hour == parts->tm_hour && tried.tm_min == parts->tm_min);
-        const Date date = Date::fromSeconds(seconds);
-        if (isThatTime && (!latest || date > *latest)) latest = date;
-    }
-    return latest;
+    const auto part = [&](std::size_t place) { return number(text.substr(place, 2)); };
+    const std::chrono::year_month_day day{std::chrono::year(number(text.substr(0, 4))),
+                                          std::chrono::month(static_cast<unsigned>(part(5))),
+                                          std::chrono::day(static_cast<unsigned>(part(8)))};
+    const bool isTime = part(11) < 24 && part(14) < 60 && part(17) < 60;
+    if (!day.ok() || day.year() < std::chrono::year(1970) || !isTime) return std::nullopt;
+    return Calendar().latest(std::chrono::local_days(day) + std::chrono::hours(part(11)) +
+                             std::chrono::minutes(part(14)) + std::chrono::seconds(part(17)));
 }
 
 std::optional<Date> dateIn(std::string_view content) {
@@ -141,7 +122,7 @@ std::optional<Date> dateIn(std::string_view content) {
 }  // namespace
 
 std::string trashInfoText(const std::filesystem::path& place, Date deleted) {
-    return fmt::format("{}\nPath={}\n{}{}\n", heading, percentEncoded(place.native()), dateKey, localTime(deleted));
+    return fmt::format("{}\nPath={}\n{}{}\n", heading, percentEncoded(place.native()), dateKey, wallText(deleted));
 }
 
 std::optional<Date> deletionDate(const std::filesystem::path& item) {

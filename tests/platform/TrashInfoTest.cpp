@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <ctime>
 
 #include "platform/TrashInfo.h"
 #include "support/TemporaryFolder.h"
@@ -13,8 +12,7 @@ TEST(TrashInfoTest, readsAndWritesLocalTimeAndTheLaterOfAnHourThatComesTwice) {
     const TemporaryFolder trash;
     const char* before = std::getenv("TZ");
     const std::string zone = before ? before : "";
-    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
-    tzset();
+    setenv("TZ", "Europe/Berlin", 1);
     const auto dateOf = [&](const std::string& text) {
         trash.makeFile("info/a.trashinfo", "[Trash Info]\r\nDeletionDate=" + text + "\r\n");
         return deletionDate(trash / "files/a");
@@ -36,7 +34,6 @@ TEST(TrashInfoTest, readsAndWritesLocalTimeAndTheLaterOfAnHourThatComesTwice) {
           time.substr(0, 11) + "24:00:00", "20" + time})
         EXPECT_EQ(dateOf(text), std::nullopt) << text;
     before ? setenv("TZ", zone.c_str(), 1) : unsetenv("TZ");
-    tzset();
 }
 
 }  // namespace

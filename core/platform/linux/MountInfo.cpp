@@ -6,6 +6,7 @@
 
 #include "base/SystemError.h"
 #include "platform/FileStatus.h"
+#include "platform/MountPoints.h"
 
 namespace vostrel {
 
@@ -111,6 +112,13 @@ std::vector<MountAlias> mountAliasesAmong(const std::vector<MountInfo>& mounts, 
         }
     }
     return aliases;
+}
+
+std::vector<std::filesystem::path> mountPoints() {
+    std::vector<std::filesystem::path> points;
+    for (auto& mount : readMountInfo())
+        points.push_back(std::move(mount.mountPoint));
+    return points;
 }
 
 std::vector<MountAlias> mountAliasesOf(const std::filesystem::path& path) {

@@ -26,12 +26,5 @@ TEST(ApplicationScopeTest, readsTheApplicationFromTheUnitOfItsProcess) {
         EXPECT_EQ(applicationOfGroups(groups), application) << groups;
 }
 
-TEST(ApplicationScopeTest, readsTheNameThatADesktopShows) {
-    EXPECT_EQ(
-        nameInDesktopEntry("[Desktop Action new]\nName=New Window\n[Desktop Entry]\nName[de]=Feuer\nName=Firefox\n"),
-        "Firefox");
-    EXPECT_EQ(nameInDesktopEntry("[Desktop Entry]\nExec=x\n[Desktop Action a]\nName=Other\n"), std::nullopt);
-}
-
 }  // namespace
 }  // namespace vostrel::linux_platform

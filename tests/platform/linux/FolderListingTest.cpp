@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <climits>
 #include <functional>
 #include <map>
 
@@ -121,20 +120,6 @@ TEST(FolderOpeningTest, followsNoLinkInAnyComponent) {
     }
     for (const char* outside : {"..", "/"})
         EXPECT_EQ(errorOf(folder, outside), EXDEV) << outside;
-}
-
-TEST(FolderOpeningTest, goesBeyondTheLongestPathOfOneCall) {
-    const TemporaryFolder home;
-    const std::string name(255, 'n');
-    std::string path = home.path();
-    while (path.size() < 3 * PATH_MAX) {
-        const OwnedDescriptor above(openFolder(path));
-        ASSERT_EQ(::mkdirat(above.get(), name.c_str(), 0700), 0) << path.size();
-        path += "/" + name;
-    }
-    EXPECT_EQ(errorOf(path), 0);
-    EXPECT_EQ(errorOf(path + "/nothing"), ENOENT);
-    EXPECT_EQ(errorOf("/" + std::string(2 * PATH_MAX, 'n')), ENAMETOOLONG);
 }
 
 TEST(FolderOpeningTest, leavesTheAccessDateAndRefusesWhatIsMounted) {

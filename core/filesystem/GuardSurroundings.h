@@ -35,6 +35,8 @@ struct GuardSurroundings {
     /// Where a package manager keeps what it installed; empty when none says so.
     std::filesystem::path packagePrefix;
     std::vector<UserFolder> userFolders;
+    /// Where this program keeps its own records.
+    std::vector<std::filesystem::path> ownFolders;
 
     /// The path with every link resolved, or the error number.
     std::function<std::expected<std::filesystem::path, int>(const std::filesystem::path&)> resolve;

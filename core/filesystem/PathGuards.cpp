@@ -206,6 +206,18 @@ std::optional<GuardException> PathGuards::exceptionIn(const std::filesystem::pat
                           given.spelledPath(), display};
 }
 
+PathGuards::Region PathGuards::regionOf(const PathForm& form) const {
+    const auto standing = places->tree.standing(form);
+    if (standing.inOthersHome) return Region::othersHome;
+    return standing.systemTree ? Region::system : Region::open;
+}
+
+std::vector<PathForm> PathGuards::homeForms() const {
+    auto forms = places->homeForms;
+    forms.insert(forms.end(), places->accountForms.begin(), places->accountForms.end());
+    return forms;
+}
+
 std::string PathGuards::displayPath(const std::filesystem::path& path) const {
     return shownPath(path, places->homeForms);
 }

@@ -101,6 +101,13 @@ public:
     /// Whether the item is a placeholder whose content is only in the cloud.
     [[nodiscard]] bool isDataless(const std::filesystem::path& item) const { return around->isDatalessPath(item); }
 
+    /// Whose place it is, for those who only look: another user's home, the system's, or neither. Goes by the text of
+    /// the form alone.
+    enum class Region { open, othersHome, system };
+    [[nodiscard]] Region regionOf(const PathForm& form) const;
+    /// The home acted in, as given and as resolved, and the account's own where that is another one.
+    [[nodiscard]] std::vector<PathForm> homeForms() const;
+
     /// The path as people are shown it: the home folder as "~".
     [[nodiscard]] std::string displayPath(const std::filesystem::path& path) const;
 

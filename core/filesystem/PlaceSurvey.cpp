@@ -72,6 +72,7 @@ public:
         addHomesPlaces(survey_.homeForms);
         addHomesPlaces(survey_.accountForms);
         addUserFolders();
+        addOwnFolders();
         addTemporaryFolder();
         return std::move(survey_);
     }
@@ -186,6 +187,14 @@ private:
             // The desktop names the home itself for a part that is switched off.
             if (!form || contains(*form, survey_.homeForms) || contains(*form, survey_.accountForms)) continue;
             add(folder, marksOf(part), shown(folder));
+        }
+    }
+
+    /// One that holds the home closes nothing: the user put it there.
+    void addOwnFolders() {
+        for (const auto& folder : around.ownFolders) {
+            const auto form = PathForm::of(folder);
+            if (form && !contains(*form, survey_.homeForms)) add(folder, PlaceTree::homeTree, shown(folder));
         }
     }
 

@@ -6,20 +6,6 @@
 
 namespace vostrel {
 
-namespace {
-
-// A decision's number is one more than its reason's.
-WalkDecision decisionOf(const AccessDecision& access) {
-    if (!access.blockedFor) return {};
-    return {static_cast<std::uint8_t>(static_cast<int>(*access.blockedFor) + 1)};
-}
-
-UnreadableReason reasonOf(WalkDecision decision) {
-    return static_cast<UnreadableReason>(decision.leftOutFor - 1);
-}
-
-}  // namespace
-
 void SizeNotes::entry(const FolderEntry& entry) {
     const bool isElsewhere = entry.type == EntryType::folder;  // the walk hands over only those it cannot enter
     if (entry.error != 0) {
@@ -72,10 +58,10 @@ void SizeAccounting::prepare(const WalkedFolder& folder, const FolderNotes* pare
 }
 
 WalkDecision SizeAccounting::decide(const WalkedFolder& folder, const FolderNotes& /*around*/) {
-    if (rootFailure) return decisionOf(AccessDecision{rootFailure});  // there will be no sum to add to
+    if (rootFailure) return walkDecisionOf(AccessDecision{rootFailure});  // there will be no sum to add to
     const std::string path(folder.path);
     walker.lookedUp(path);
-    return decisionOf(walker.access(path));
+    return walkDecisionOf(walker.access(path));
 }
 
 void SizeAccounting::leftOut(const WalkedFolder& folder, WalkDecision decision) {

@@ -1,5 +1,7 @@
 #include "filesystem/SizeWalker.h"
 
+#include <utility>
+
 #include "base/SystemError.h"
 #include "filesystem/MarkIndex.h"
 #include "filesystem/SizeAccounting.h"
@@ -23,21 +25,33 @@ WalkResult measureFile(const FileStatus& file, LinkSet& links) {
 
 }  // namespace
 
-WalkResult SizeWalker::walk(const std::string& root, const Marks& marks, const WalkBudget& budget,
-                            LinkSet& links) const {
+SizeWalker::Place SizeWalker::examine(const std::string& root) const {
     const auto found = source->lookUp(root);
     if (!found) return resultOf(found.error(), fullDiskAccess);
-    if (found->type == EntryType::link) return SkippedLink{};
+    if (found->type == EntryType::link) return WalkResult(SkippedLink{});
     lookedUp(root);
-    if (const auto decision = access(root); decision.blockedFor) return Unreadable{*decision.blockedFor};
-    if (found->type != EntryType::folder) return measureFile(*found, links);
-    const auto resolved = source->resolve(root);
+    if (const auto decision = access(root); decision.blockedFor) return WalkResult(Unreadable{*decision.blockedFor});
+    if (found->type != EntryType::folder) return Other{*found};
+    auto resolved = source->resolve(root);
     if (!resolved) return resultOf(resolved.error(), fullDiskAccess);
+    if (*resolved != root) {  // a link further up may lead to where nothing may be opened
+        lookedUp(*resolved);
+        if (const auto decision = access(*resolved); decision.blockedFor)
+            return WalkResult(Unreadable{*decision.blockedFor});
+    }
+    return Folder{std::move(*resolved), *found};
+}
+
+WalkResult SizeWalker::walk(const std::string& root, const Marks& marks, const WalkBudget& budget,
+                            LinkSet& links) const {
+    const Place place = examine(root);
+    if (const auto* result = std::get_if<WalkResult>(&place)) return *result;
+    if (const auto* other = std::get_if<Other>(&place)) return measureFile(other->status, links);
 
     const MarkIndex markIndex(marks);
     SizeAccounting accounting(*this, markIndex, MarkIndex::keyOf(root), links);
     FolderWalk folderWalk(*source, accounting, ListingDetail::sizes, helpers);
-    const auto ending = folderWalk.walk(*resolved, std::nullopt, maxDepth, budget);
+    const auto ending = folderWalk.walk(std::get<Folder>(place).path, std::nullopt, maxDepth, budget);
     if (ending == FolderWalk::Ending::notRun) return Unreadable{UnreadableReason::couldNotRead};
     return std::move(accounting).result();
 }

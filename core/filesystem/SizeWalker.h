@@ -3,23 +3,18 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
+#include "filesystem/AccessDecision.h"
 #include "filesystem/FolderSource.h"
 #include "filesystem/FolderWalk.h"
 #include "filesystem/LinkSet.h"
-#include "filesystem/UnreadableReason.h"
 #include "filesystem/WalkBudget.h"
 #include "filesystem/WalkTotals.h"
 
 namespace vostrel {
-
-/// Whether a walk may open a folder: nothing means it may be measured.
-struct AccessDecision {
-    std::optional<UnreadableReason> blockedFor;
-};
 
 /// Adds up the allocated space below a folder, and below marked folders inside it in the same pass.
 ///
@@ -44,6 +39,19 @@ struct SizeWalker {
 
     /// Names of the marks at each marked folder's path.
     using Marks = std::map<std::string, std::vector<std::string>>;
+
+    /// A folder that may be opened, by its path without links.
+    struct Folder {
+        std::string path;
+        FileStatus status;
+    };
+    /// Anything else that is there.
+    struct Other {
+        FileStatus status;
+    };
+    /// What a root turned out to be; the result where it can be neither.
+    using Place = std::variant<Folder, Other, WalkResult>;
+    [[nodiscard]] Place examine(const std::string& root) const;
 
     /// Measures the tree at `root`, an absolute path. A mark that names no folder of the tree is in neither map.
     [[nodiscard]] WalkResult walk(const std::string& root, const Marks& marks, const WalkBudget& budget,

@@ -94,6 +94,7 @@ std::expected<void, SystemError> LineFile::append(std::string_view line) const {
 
     // One piece, so that it is one call where the system takes it whole.
     const std::string bytes = (*isTorn ? "\n" : "") + std::string(line) + "\n";
+    if (file->size + static_cast<std::int64_t>(bytes.size()) > StoredFile::mostBytes) return failed("write", EFBIG);
     auto written = writeAll(file->opened.get(), bytes, writer);
     if (written) written = sync(file->opened.get());
     if (written && file->size == 0) written = syncNames(path.parent_path());
@@ -105,6 +106,13 @@ std::expected<void, SystemError> LineFile::append(std::string_view line) const {
 
 std::expected<std::string, SystemError> LineFile::read() const {
     return StoredFile{.directory = path.parent_path(), .name = path.filename(), .mode = {}}.read();
+}
+
+bool LineFile::isReadable() const {
+    const OwnedDescriptor opened(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat facts{};
+    return opened.isOpen() && ::fstat(opened.get(), &facts) == 0 && S_ISREG(facts.st_mode) &&
+           facts.st_size <= StoredFile::mostBytes;
 }
 
 std::expected<void, SystemError> LineFile::remove() const {

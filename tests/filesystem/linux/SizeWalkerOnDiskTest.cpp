@@ -10,7 +10,6 @@
 
 #include "filesystem/SizeWalker.h"
 #include "platform/OwnedDescriptor.h"
-#include "support/PrintTotals.h"
 #include "support/PrivateMounts.h"
 #include "support/Rounds.h"
 #include "support/TemporaryFolder.h"

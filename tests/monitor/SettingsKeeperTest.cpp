@@ -69,19 +69,5 @@ TEST(SettingsKeeperTest, endsAPauseOnlyWhenThatIsOnDisk) {
     EXPECT_FALSE(disk.saved) << "there was nothing left to save";
 }
 
-TEST(SettingsKeeperTest, keepsAChangeThatCouldNotBeSaved) {
-    SettingsKeeper keeper(SettingsLoadResult{});
-    Disk disk{.isFull = true, .saved = {}};
-    const auto save = std::ref(disk);
-    EXPECT_EQ(keeper.update(muteAlerts, save), notSaved);
-    EXPECT_EQ(keeper.update(pause, save), notSaved);
-    EXPECT_TRUE(keeper.settings().automaticCleaningPaused);
-    disk.isFull = false;
-    EXPECT_EQ(keeper.update([](AppSettings& s) { s.alertLevels.clear(); }, save), saved);
-    EXPECT_FALSE(keeper.needsSave());
-    EXPECT_EQ(disk.saved, keeper.settings());
-    EXPECT_FALSE(disk.saved->notificationsEnabled);
-}
-
 }  // namespace
 }  // namespace vostrel

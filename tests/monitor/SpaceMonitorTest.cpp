@@ -9,7 +9,6 @@ namespace vostrel {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr std::int64_t GB = 1'000'000'000;
 constexpr std::int64_t total = 500 * GB;
@@ -68,15 +67,6 @@ TEST_F(SpaceMonitorTest, carriesWhatCouldBeClearedAwayForHalfAnHour) {
         EXPECT_EQ(tickAt(at).capacity.availableImportant, important) << at;
     reader.capacity.availableNow = 450 * GB;
     EXPECT_EQ(tickAt(10'100).capacity.availableImportant, total) << "never more than there is";
-
-    for (const VolumeCapacity& odd : {VolumeCapacity{total, 200 * GB, 150 * GB}, {total, 600 * GB, 700 * GB}}) {
-        reader.capacity = odd;
-        tickAt(20'000, SpaceMonitor::Refresh::forced);
-        reader.capacity = {total, 200 * GB, std::nullopt};
-        EXPECT_EQ(tickAt(20'001).capacity.availableImportant, 200 * GB) << "nothing could be cleared away";
-    }
-    reader.capacity = {total, INT64_MAX, std::nullopt};
-    EXPECT_EQ(tickAt(20'002).capacity.availableImportant, total);
 }
 
 TEST_F(SpaceMonitorTest, keepsItsLastReadingWhenOneFails) {
@@ -90,20 +80,6 @@ TEST_F(SpaceMonitorTest, keepsItsLastReadingWhenOneFails) {
     ASSERT_FALSE(failed);
     EXPECT_EQ(failed.error().sentence("/a"), "Could not read the free space of /a: No such file or directory.");
     EXPECT_EQ(monitor.lastReading(), first);
-}
-
-TEST_F(SpaceMonitorTest, takesNewSettings) {
-    AppSettings settings;
-    settings.alertLevels = {SpaceLine::gigabytes(60)};
-    monitor.update(settings);
-    reader.capacity = {total, 45 * GB, std::nullopt};
-    EXPECT_THAT(tickAt(0).crossedAlertLevels, ElementsAre(SpaceLine::gigabytes(60)));
-    settings.alertLevels = {SpaceLine::gigabytes(50)};
-    settings.line = SpaceLine::percent(10);
-    monitor.update(settings);
-    const auto reading = tickAt(1);
-    EXPECT_THAT(reading.crossedAlertLevels, IsEmpty()) << "space was below the new level before";
-    EXPECT_EQ(reading.level, SpaceLevel::critical);
 }
 
 }  // namespace

@@ -4,19 +4,24 @@
 #include <array>
 #include <cctype>
 #include <optional>
+#include <utility>
 
 namespace vostrel {
 
 namespace {
 
-constexpr std::string_view hashWord = "HASH";
 constexpr std::size_t hashLength = 8;
+constexpr std::size_t fewestHexadecimalDigits = 16;
 
 // What Cargo makes in a profile's folder.
 constexpr std::array<std::string_view, 11> programExtensions{"",     ".a",    ".dll",   ".dylib", ".exe", ".lib",
                                                              ".pdb", ".rlib", ".rmeta", ".so",    ".wasm"};
 
 constexpr std::string_view listExtension = ".d";
+
+// Of the folders that Swift's package manager and Xcode put beside a program, and of a plugin's state.
+constexpr std::array<std::string_view, 3> productFolders{".product", ".swiftmodule", ".dSYM"};
+constexpr std::string_view pluginState = "-state.json";
 
 std::size_t countOf(std::string_view text, int (*isOne)(int)) {
     const auto* end =
@@ -65,8 +70,16 @@ bool isHash(std::string_view text) {
     return isOfHash;
 }
 
-bool hasBeside(std::span<const std::string> beside, const std::string& name) {
-    return std::ranges::binary_search(beside, name);
+bool isHexadecimal(char each) {
+    return (each >= '0' && each <= '9') || (each >= 'a' && each <= 'f');
+}
+
+bool isOfWord(char each) {
+    return std::isalnum(static_cast<unsigned char>(each)) != 0 || each == '-' || each == '_';
+}
+
+bool holds(std::span<const std::string> names, std::string_view name, std::string_view ending) {
+    return std::ranges::binary_search(names, std::string(name) += ending);
 }
 
 /// A program's name without its ending; nothing when no program ends so.
@@ -128,96 +141,143 @@ const std::vector<std::string>& ArtifactLayout::systems() {
 ArtifactLayout ArtifactLayout::compile(std::span<const std::string> lines, std::span<const std::string> notInRuns) {
     ArtifactLayout layout;
     layout.onlyNamed = Glob::Patterns::compile(notInRuns).value_or(Glob::Patterns());
+    layout.bareNamesOnlyNamed = std::ranges::find(notInRuns, "BARE") != notInRuns.end();
     for (std::string_view rest : lines) {
-        Line& line = layout.allowed.emplace_back();
+        Node* node = &layout.root;
         for (auto slash = rest.find('/'); slash != std::string_view::npos; slash = rest.find('/')) {
-            line.push_back(partOf(rest.substr(0, slash)));
+            node = &node->next(rest.substr(0, slash));
             rest.remove_prefix(slash + 1);
         }
-        line.push_back(partOf(rest));
+        node->next(rest).isEnd = true;
     }
     return layout;
 }
 
-ArtifactLayout::Part ArtifactLayout::partOf(std::string_view text) {
-    if (text.empty()) return {Part::Form::nothing, {}, {}};
-    if (text == "**") return {Part::Form::anything, {}, {}};
-    if (text == "***") return {Part::Form::anythingAndRepositories, {}, {}};
-    if (text == "PROGRAM") return {Part::Form::program, {}, {}};
-    if (text == "LIST") return {Part::Form::list, {}, {}};
-    if (text == "SYSTEM") return {Part::Form::name, Glob::Patterns::compile(systems()).value_or(Glob::Patterns()), {}};
-    const auto hash = text.find(hashWord);
-    if (hash == std::string_view::npos) return {Part::Form::name, patternOf(text), {}};
-    return {Part::Form::hashedName, patternOf(text.substr(0, hash)), std::string(text.substr(hash + hashWord.size()))};
+ArtifactLayout::Node& ArtifactLayout::Node::next(std::string_view name) {
+    const auto known = std::ranges::find(below, name, &Node::text);
+    if (known != below.end()) return *known;
+    return below.emplace_back(Node{std::string(name), partOf(name), false, {}});
 }
 
-bool ArtifactLayout::Part::matches(std::string_view text, std::span<const std::string> beside) const {
+ArtifactLayout::Part ArtifactLayout::partOf(std::string_view text) {
+    using Form = Part::Form;
+    if (text == "SYSTEM") return {Form::pattern, Glob::Patterns::compile(systems()).value_or(Glob::Patterns()), {}, {}};
+    constexpr std::array<std::pair<std::string_view, Form>, 6> wholeNames{{{"", Form::nothing},
+                                                                           {"**", Form::anything},
+                                                                           {"PROGRAM", Form::program},
+                                                                           {"LIST", Form::list},
+                                                                           {"PRODUCT", Form::product},
+                                                                           {"STEM", Form::stem}}};
+    for (const auto& [word, form] : wholeNames) {
+        if (text == word) return {form, {}, {}, {}};
+    }
+    constexpr std::array<std::pair<std::string_view, Form>, 3> partsOfNames{
+        {{"HASH", Form::hashed}, {"HEX", Form::hexadecimal}, {"WORD", Form::wordly}}};
+    for (const auto& [word, form] : partsOfNames) {
+        const auto at = text.find(word);
+        if (at == std::string_view::npos) continue;
+        const auto before = text.substr(0, at);
+        return {form, patternOf(before), std::string(before), std::string(text.substr(at + word.size()))};
+    }
+    const bool isName = text.find_first_of("*?[") == std::string_view::npos;
+    return {isName ? Form::name : Form::pattern, patternOf(text), {}, {}};
+}
+
+bool ArtifactLayout::Part::matches(std::string_view text, const ArtifactNeighbours& beside) const {
     switch (form) {
         case Form::name:
+        case Form::pattern:
             return name.matchesAny(text);
-        case Form::hashedName: {
-            if (!text.ends_with(afterHash) || text.size() <= afterHash.size() + hashLength) return false;
-            text.remove_suffix(afterHash.size());
+        case Form::hashed:
+            if (!text.ends_with(after) || text.size() <= after.size() + hashLength) return false;
+            text.remove_suffix(after.size());
             return isHash(text.substr(text.size() - hashLength)) &&
                    name.matchesAny(text.substr(0, text.size() - hashLength));
-        }
+        case Form::hexadecimal:
+            return surrounds(text, fewestHexadecimalDigits, isHexadecimal);
+        case Form::wordly:
+            return surrounds(text, 1, isOfWord);
         case Form::program: {
-            auto program = programName(text);
-            return program && hasBeside(beside, *program += listExtension);
+            const auto program = programName(text);
+            return program && holds(beside.files, *program, listExtension);
         }
         case Form::list:
             return text.ends_with(listExtension) && std::ranges::any_of(programExtensions, [&](auto extension) {
-                       return hasBeside(beside,
-                                        std::string(text.substr(0, text.size() - listExtension.size())) += extension);
+                       return holds(beside.files, text.substr(0, text.size() - listExtension.size()), extension);
                    });
+        case Form::product:
+            return !text.contains('.') &&
+                   (holds(beside.files, text, pluginState) || std::ranges::any_of(productFolders, [&](auto ending) {
+                        return holds(beside.folders, text, ending);
+                    }));
+        case Form::stem:
+            return text == beside.around.substr(0, beside.around.rfind('.'));
         case Form::nothing:
             return false;
         case Form::anything:
-        case Form::anythingAndRepositories:
             return true;
     }
     return false;
 }
 
+/// Whether at least so many characters of a kind stand between what has to stand before and after them.
+bool ArtifactLayout::Part::surrounds(std::string_view text, std::size_t least, bool (*isPart)(char)) const {
+    if (text.size() < before.size() + after.size() + least || !text.starts_with(before) || !text.ends_with(after))
+        return false;
+    return std::ranges::all_of(text.substr(before.size(), text.size() - before.size() - after.size()), isPart);
+}
+
 ArtifactLayout::Place ArtifactLayout::top() const {
     Place place(*this);
-    for (const Line& line : allowed)
-        place.add(line);
+    for (const Node& node : root.below)
+        place.add(node);
     return place;
 }
 
 ArtifactLayout::Place ArtifactLayout::Place::within(std::string_view folder) const {
+    const auto goesOn = [&](const Node* node) { return !node->below.empty() && node->part.matches(folder, {}); };
+    const auto isName = [](const Node* node) { return node->part.form == Part::Form::name; };
+    const bool isNamed = std::ranges::any_of(nodes, [&](const Node* node) { return isName(node) && goesOn(node); });
     Place place(*layout);
-    for (const Rest rest : rests) {
-        if (rest.front().isRun()) {
-            place.add(rest);
-        } else if (rest.size() > 1 && rest.front().matches(folder, {})) {
-            place.add(rest.subspan(1));
+    place.ownName = folder;
+    for (const Node* node : nodes) {
+        if (isNamed && !isName(node)) continue;
+        if (node->part.form == Part::Form::anything) {
+            place.add(*node);
+        } else if (goesOn(node)) {
+            for (const Node& below : node->below)
+                place.add(below);
         }
     }
     return place;
 }
 
 /// A run may be of no folders at all.
-void ArtifactLayout::Place::add(Rest rest) {
-    const bool isKnown = std::ranges::any_of(
-        rests, [&](Rest known) { return known.data() == rest.data() && known.size() == rest.size(); });
-    if (isKnown) return;
-    rests.push_back(rest);
-    if (rest.front().isRun() && rest.size() > 1) add(rest.subspan(1));
+void ArtifactLayout::Place::add(const Node& node) {
+    if (std::ranges::find(nodes, &node) != nodes.end()) return;
+    nodes.push_back(&node);
+    if (node.part.form != Part::Form::anything) return;
+    for (const Node& below : node.below)
+        add(below);
 }
 
-bool ArtifactLayout::Place::holdsFile(std::string_view name, std::span<const std::string> beside) const {
-    return std::ranges::any_of(rests, [&](Rest rest) {
-        if (rest.size() > 1) return false;
-        const bool isFree = rest.front().form == Part::Form::anything;
-        return rest.front().matches(name, beside) && !(isFree && layout->onlyNamed.matchesAny(name));
+bool ArtifactLayout::Place::holdsFile(std::string_view name, const ArtifactNeighbours& beside) const {
+    const auto isOnlyNamed = [&] {
+        return (layout->bareNamesOnlyNamed && !name.contains('.')) || layout->onlyNamed.matchesAny(name);
+    };
+    const ArtifactNeighbours neighbours{beside.files, beside.folders, ownName};
+    return std::ranges::any_of(nodes, [&](const Node* node) {
+        if (!node->isEnd) return false;
+        const bool isFree = node->part.form == Part::Form::anything;
+        return node->part.matches(name, neighbours) && !(isFree && isOnlyNamed());
     });
 }
 
 bool ArtifactLayout::Place::mayBeRepository() const {
-    return std::ranges::any_of(
-        rests, [](Rest rest) { return rest.size() == 1 && rest.front().form == Part::Form::anythingAndRepositories; });
+    const auto isHead = [](const Node* node) {
+        return node->isEnd && node->part.form == Part::Form::name && node->part.matches("HEAD", {});
+    };
+    return std::ranges::any_of(nodes, isHead) || std::ranges::any_of(within(".git").nodes, isHead);
 }
 
 }  // namespace vostrel

@@ -9,14 +9,26 @@
 
 namespace vostrel {
 
+/// What else lies in a folder. Both lists are sorted.
+struct ArtifactNeighbours {
+    std::span<const std::string> files;
+    std::span<const std::string> folders;
+    /// The folder's own name, where that is known.
+    std::string_view around = {};
+};
+
 /// Where a tool puts the files of its build folder: paths below the folder, each a line of name patterns with "/"
 /// between. Anything that lies elsewhere is a person's.
 ///
-/// "**" stands for any folders or none, and at the end for anything but a repository and certain names; "***" at the
-/// end for a repository with all that is in it. "PROGRAM" is a program or library beside which the list of what it was
-/// made of lies
-/// (`shop` and `shop.d`), "LIST" that list beside one of them, "SYSTEM" one of `systems`. "HASH" in a name are eight
-/// characters that no words or dates are made of. A path that ends with "/" is an empty folder.
+/// "**" stands for any folders or none, and at the end for anything but a repository and certain names. A folder that
+/// lines name outright belongs to those lines alone, not to patterns and runs. A repository may lie where a line names
+/// its "HEAD". A path that ends with "/" is an empty folder.
+///
+/// Whole names: "PROGRAM" is a program or library beside which the list of what it was made of lies (`shop` and
+/// `shop.d`), "LIST" that list beside one of them, "PRODUCT" a program without an ending beside what else Swift makes
+/// of it (`shop` and `shop.product`), "STEM" the folder's own name without its ending (`shop` in `shop.app`), "SYSTEM"
+/// one of `systems`. Parts of names: "HASH" are eight characters that no
+/// words or dates are made of, "HEX" sixteen hexadecimal digits or more, "WORD" letters, digits, "-" and "_".
 class ArtifactLayout {
 public:
     class Place;
@@ -24,7 +36,8 @@ public:
     /// The systems that compilers build for; nothing in their names is free text.
     [[nodiscard]] static const std::vector<std::string>& systems();
 
-    /// Files that match `notInRuns` may only lie where a line's last part names them.
+    /// Files that match `notInRuns` may only lie where a line's last part names them; "BARE" is a name without an
+    /// ending.
     static ArtifactLayout compile(std::span<const std::string> lines, std::span<const std::string> notInRuns);
 
     /// The build folder itself. The layout outlives its places.
@@ -32,20 +45,43 @@ public:
 
 private:
     struct Part {
-        enum class Form { name, hashedName, program, list, nothing, anything, anythingAndRepositories };
-        Form form = Form::name;
+        enum class Form {
+            name,
+            pattern,
+            hashed,
+            hexadecimal,
+            wordly,
+            program,
+            list,
+            product,
+            stem,
+            nothing,
+            anything,
+        };
+        Form form = Form::pattern;
+        /// The whole name, or what stands before the part that is told by its characters.
         Glob::Patterns name;
-        std::string afterHash;
+        std::string before;
+        std::string after;
 
-        [[nodiscard]] bool isRun() const { return form == Form::anything || form == Form::anythingAndRepositories; }
-        [[nodiscard]] bool matches(std::string_view text, std::span<const std::string> beside) const;
+        [[nodiscard]] bool matches(std::string_view text, const ArtifactNeighbours& beside) const;
+        [[nodiscard]] bool surrounds(std::string_view text, std::size_t least, bool (*isPart)(char)) const;
     };
-    using Line = std::vector<Part>;
+    /// What lines have in common so far, and how they go on.
+    struct Node {
+        std::string text;
+        Part part;
+        bool isEnd = false;
+        std::vector<Node> below;
+
+        [[nodiscard]] Node& next(std::string_view name);
+    };
 
     [[nodiscard]] static Part partOf(std::string_view text);
 
-    std::vector<Line> allowed;
+    Node root;
     Glob::Patterns onlyNamed;
+    bool bareNamesOnlyNamed = false;
 };
 
 /// A folder in the build folder: what of each line lies below it.
@@ -53,22 +89,21 @@ class ArtifactLayout::Place {
 public:
     [[nodiscard]] Place within(std::string_view folder) const;
 
-    /// Whether a file may lie directly in it, with these files, sorted, in the same folder.
-    [[nodiscard]] bool holdsFile(std::string_view name, std::span<const std::string> beside) const;
+    [[nodiscard]] bool holdsFile(std::string_view name, const ArtifactNeighbours& beside) const;
     /// Whether a folder of that name may lie directly in it.
-    [[nodiscard]] bool holdsFolder(std::string_view name) const { return !within(name).rests.empty(); }
-    /// Whether it may be a repository, or lie in one.
+    [[nodiscard]] bool holdsFolder(std::string_view name) const { return !within(name).nodes.empty(); }
+    /// Whether it may be a repository, or hold the one of its files.
     [[nodiscard]] bool mayBeRepository() const;
 
 private:
     friend class ArtifactLayout;
-    using Rest = std::span<const Part>;
-
     explicit Place(const ArtifactLayout& of) : layout(&of) {}
-    void add(Rest rest);
+    void add(const Node& node);
 
     const ArtifactLayout* layout;
-    std::vector<Rest> rests;
+    std::string ownName;
+    /// What may lie in the folder.
+    std::vector<const Node*> nodes;
 };
 
 }  // namespace vostrel

@@ -6,14 +6,16 @@
 #include <array>
 #include <cctype>
 #include <filesystem>
-#include <map>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "stores/JSONCoding.h"
+#include "rules/NodePackages.h"
+#include "rules/SwiftPackages.h"
+#include "rules/WebBundle.h"
 
 namespace vostrel {
 
@@ -22,110 +24,16 @@ namespace {
 // Deeper than any tool nests.
 constexpr std::size_t deepest = 100;
 
+// What CocoaPods writes beside the pods.
+constexpr std::array<std::string_view, 3> foldersOfPods{"Headers", "Pods.xcodeproj", "Target Support Files"};
+
 constexpr std::array<std::string_view, 4> archiveExtensions{".jar", ".war", ".jar.original", ".war.original"};
 
-const JSONValue* valueIn(const JSONValue* value, std::string_view key) {
-    const auto* object = value != nullptr ? value->as<JSONObject>() : nullptr;
-    return object != nullptr ? object->find(key) : nullptr;
-}
-
-std::string textIn(const JSONValue* value, std::string_view key) {
-    const JSONValue* inner = valueIn(value, key);
-    const auto* text = inner != nullptr ? inner->as<std::string>() : nullptr;
-    return text != nullptr ? *text : std::string();
-}
-
-/// The members of an object inside a JSON text; none when it is none.
-std::vector<JSONMember> membersOf(const std::string& text, std::string_view key) {
-    const auto document = JSONCoding::decoder().decode(text);
-    const JSONValue* value = document ? valueIn(&*document, key) : nullptr;
-    const auto* inner = value != nullptr ? value->as<JSONObject>() : nullptr;
-    return inner != nullptr ? inner->members() : std::vector<JSONMember>();
-}
-
-/// Where npm has put packages of its own: not where it only put a link.
-std::set<std::string> placesOfNpm(const std::string& lock) {
-    std::set<std::string> places;
-    for (const auto& [place, entry] : membersOf(lock, "packages")) {
-        const auto* facts = entry.as<JSONObject>();
-        if (facts != nullptr && facts->find("extraneous") == nullptr &&
-            (facts->find("link") == nullptr || *facts->find("link") == JSONValue(false)))
-            places.insert(place);
-    }
-    return places;
-}
-
-/// "\"a@npm:1.0.0\":" and below it "    - \"node_modules/a\""; what is called a workspace, link or portal is linked.
-std::set<std::string> placesOfYarn(const std::string& state) {
-    constexpr std::string_view before = "    - \"";
-    std::set<std::string> places;
-    std::istringstream lines(state);
-    bool isLinked = false;
-    for (std::string line; std::getline(lines, line);) {
-        if (!line.starts_with(' ')) {
-            // "a@workspace:a", and of a virtual one "a@virtual:0123#workspace:a".
-            isLinked = line.contains("workspace:") || line.contains("link:") || line.contains("portal:");
-        } else if (line.starts_with(before) && !isLinked) {
-            places.insert(line.substr(before.size(), line.find('"', before.size()) - before.size()));
-        }
-    }
-    return places;
-}
-
-/// "name@1.0.0" of every package in pnpm's lock file, whose keys are "  name@1.0.0:", "  '@scope/name@1.0.0(peer@1)':"
-/// or "  /name@1.0.0:", in two of its sections.
-std::set<std::string> packagesOfPnpm(const std::string& lock) {
-    std::set<std::string> packages;
-    std::istringstream lines(lock);
-    bool namesPackages = false;
-    for (std::string line; std::getline(lines, line);) {
-        if (line.empty()) continue;
-        if (!line.starts_with(' ')) {
-            namesPackages = line.starts_with("packages:") || line.starts_with("snapshots:");
-            continue;
-        }
-        const auto start = line.find_first_not_of(' ');
-        if (!namesPackages || start != 2) continue;
-        const auto begin = line.find_first_not_of("'\"/", start);
-        if (begin == std::string::npos) continue;
-        const auto colon = line.rfind(':');
-        const auto end = std::min(line.find_first_of("('\"", begin), colon);
-        if (end != std::string::npos) packages.insert(line.substr(begin, end - begin));
-    }
-    return packages;
-}
-
-/// The checkouts that Swift's package manager made, and of those alone that no person edits: the last part of where
-/// each came from, without ".git", by its own name.
-std::map<std::string, std::string> checkoutsOf(const std::string& workspaceState) {
-    std::map<std::string, std::string> checkouts;
-    const auto document = JSONCoding::decoder().decode(workspaceState);
-    const JSONValue* dependencies = document ? valueIn(valueIn(&*document, "object"), "dependencies") : nullptr;
-    const auto* list = dependencies != nullptr ? dependencies->as<JSONArray>() : nullptr;
-    if (list == nullptr) return checkouts;
-    for (const JSONValue& dependency : *list) {
-        const std::string state = textIn(valueIn(&dependency, "state"), "name");
-        if (state != "sourceControlCheckout" && state != "checkout") continue;
-        const JSONValue* package = valueIn(&dependency, "packageRef");
-        std::string origin = textIn(package, "location");
-        if (origin.empty()) origin = textIn(package, "path");
-        while (origin.ends_with('/'))
-            origin.pop_back();
-        if (origin.ends_with(".git")) origin.resize(origin.size() - std::string_view(".git").size());
-        checkouts[textIn(&dependency, "subpath")] = origin.substr(origin.find_last_of("/:") + 1);
-    }
-    return checkouts;
-}
-
-/// "name-0123abcd", the clone of a checkout.
-bool isCloneOf(const std::map<std::string, std::string>& checkouts, const std::string& name) {
-    constexpr std::size_t digits = 8;
-    if (name.size() <= digits + 1 || name[name.size() - digits - 1] != '-') return false;
-    const auto isDigit = [](char each) { return std::isxdigit(static_cast<unsigned char>(each)) != 0; };
-    return std::ranges::all_of(std::string_view(name).substr(name.size() - digits), isDigit) &&
-           std::ranges::any_of(checkouts, [origin = name.substr(0, name.size() - digits - 1)](const auto& checkout) {
-               return checkout.second == origin;
-           });
+/// An archive's name without its ending; nothing of another file.
+std::optional<std::string_view> archiveName(std::string_view file) {
+    const auto extension = std::ranges::find_if(archiveExtensions, [&](auto each) { return file.ends_with(each); });
+    if (extension == archiveExtensions.end()) return std::nullopt;
+    return file.substr(0, file.size() - extension->size());
 }
 
 /// Name and version of an archive, "app-1.0-sources.jar", whatever part of the build it holds.
@@ -149,53 +57,86 @@ std::pair<std::string, std::string> versionOf(std::string_view archive) {
     return {std::string(archive), {}};
 }
 
-/// What pnpm adds to a version: nothing, the packages that it was installed beside, or a digest of their names.
-bool namesPeers(std::string_view suffix) {
-    constexpr std::size_t digestLength = 26;
-    const bool isDigest = suffix.size() > digestLength && std::ranges::all_of(suffix.substr(1), [](char each) {
-                              return std::isalnum(static_cast<unsigned char>(each)) != 0;
-                          });
-    return suffix.empty() || suffix.contains('@') || isDigest;
-}
-
 }  // namespace
 
-/// The packages that a manager has noted down: where each lies ("node_modules/a/node_modules/b"), or merely what they
-/// are called.
-struct ArtifactLists::PackageList {
-    std::set<std::string> places;
-    std::set<std::string> names;
-
-    [[nodiscard]] bool holds(const std::string& place, const std::string& name) const {
-        return places.contains(place) || names.contains(name);
-    }
-};
-
 std::set<std::string> ArtifactLists::listedFiles(const std::string& folder, ArtifactKind kind) {
-    if (kind == ArtifactKind::venv) return installedFiles(folder);
-    std::set<std::string> copied;
-    if (kind == ArtifactKind::gradleBuild) {
-        const std::string project = folder.substr(0, folder.rfind('/'));
-        for (const std::string part : {"main", "test"})
-            addFilesBelow(fmt::format("{}/src/{}/resources", project, part), "resources/" + part, 0, copied);
+    std::set<std::string> files;
+    const std::string project = folder.substr(0, folder.rfind('/'));
+    switch (kind) {
+        case ArtifactKind::venv:
+            return installedFiles(folder);
+        case ArtifactKind::gradleBuild:
+            for (const std::string part : {"main", "test"})
+                addFilesBelow(fmt::format("{}/src/{}/resources", project, part), "resources/" + part, 0, files);
+            return files;
+        case ArtifactKind::target:
+            addFilesBelow(project + "/src/main/resources", "classes", 0, files);
+            addFilesBelow(project + "/src/test/resources", "test-classes", 0, files);
+            return files;
+        case ArtifactKind::swiftBuild:
+        case ArtifactKind::xcodeDerivedData:
+            for (const std::string& packages : foldersOfSwiftPackages(folder, kind)) {
+                for (const auto& file : SwiftPackages(reader, fmt::format("{}/{}", folder, packages)).untouchedFiles())
+                    files.insert(packages + file);
+            }
+            return files;
+        default:
+            return files;
     }
-    return copied;
+}
+
+bool ArtifactLists::isListed(const std::set<std::string>& files, const std::string& file) {
+    if (files.contains(file)) return true;
+    // "a/__pycache__/b.cpython-311.opt-1.pyc", of "a/b.py"
+    constexpr std::string_view cache = "__pycache__/";
+    constexpr std::string_view version = ".cpython-";
+    const auto name = file.rfind('/') + 1;
+    const auto dot = file.find(version, name);
+    if (dot == std::string::npos || !std::string_view(file).substr(0, name).ends_with(cache)) return false;
+    std::string_view rest = std::string_view(file).substr(dot + version.size());
+    rest.remove_prefix(std::min(rest.find_first_not_of("0123456789"), rest.size()));
+    const bool isBytecode = rest == ".pyc" || rest == ".opt-1.pyc" || rest == ".opt-2.pyc";
+    return isBytecode && files.contains(file.substr(0, name - cache.size()) + file.substr(name, dot - name) + ".py");
+}
+
+std::optional<Date> ArtifactLists::installed(const std::string& folder, ArtifactKind kind) {
+    // What each manager writes when all packages are in place.
+    constexpr std::array<std::string_view, 3> ofNode{".package-lock.json", ".yarn-integrity", ".modules.yaml"};
+    constexpr std::array<std::string_view, 1> ofPods{"Manifest.lock"};
+    std::span<const std::string_view> lists;
+    if (kind == ArtifactKind::nodeModules) lists = ofNode;
+    if (kind == ArtifactKind::pods) lists = ofPods;
+    for (const std::string_view list : lists) {
+        if (const auto status = reader.statusOf(fmt::format("{}/{}", folder, list))) return status->modified;
+    }
+    return std::nullopt;
+}
+
+bool ArtifactLists::isInPackage(const std::string& folder, ArtifactKind kind) {
+    if (folder.empty()) return false;
+    constexpr std::string_view store = ".pnpm/";
+    if (kind == ArtifactKind::nodeModules)
+        return !folder.starts_with('.') || (folder.starts_with(store) && folder.size() > store.size());
+    return std::ranges::none_of(foldersOfPods, [&](auto own) { return folder.starts_with(std::string(own) + "/"); });
 }
 
 bool ArtifactLists::nameAll(const std::string& folder, ArtifactKind kind) {
     switch (kind) {
         case ArtifactKind::nodeModules:
-            return holdsListedPackages(folder);
+            return NodePackages(reader).areAllListed(folder);
         case ArtifactKind::swiftBuild:
-            return holdsListedCheckouts(folder);
         case ArtifactKind::xcodeDerivedData:
-            return holdsListedCheckoutsOfProjects(folder);
+            return std::ranges::all_of(foldersOfSwiftPackages(folder, kind), [&](const std::string& packages) {
+                return SwiftPackages(reader, fmt::format("{}/{}", folder, packages)).areAllListed();
+            });
         case ArtifactKind::pods:
             return holdsListedPods(folder);
         case ArtifactKind::pycache:
             return holdsCompiledSources(folder);
+        case ArtifactKind::dist:
+            return WebBundle(reader, folder).isWholeAndCanBeMadeAgain();
         case ArtifactKind::target:
-            return holdsOneVersion(folder);
+            return holdsNamedArchives(folder) && holdsReportsOfTests(folder);
         case ArtifactKind::gradleBuild:
             return !reader.exists(folder + "/libs") || holdsOneVersion(folder + "/libs");
         default:
@@ -203,86 +144,7 @@ bool ArtifactLists::nameAll(const std::string& folder, ArtifactKind kind) {
     }
 }
 
-bool ArtifactLists::holdsListedPackages(const std::string& folder) {
-    PackageList installed;
-    if (reader.isFile(folder + "/.package-lock.json")) {
-        installed.places = placesOfNpm(reader.textOf(folder + "/.package-lock.json").value_or(""));
-    } else if (reader.isFile(folder + "/.yarn-integrity")) {
-        // "left-pad@^1.0.0", "@scope/name@1.0.0"
-        for (const auto& [pattern, origin] :
-             membersOf(reader.textOf(folder + "/.yarn-integrity").value_or(""), "lockfileEntries"))
-            if (!pattern.contains("@link:")) installed.names.insert(pattern.substr(0, pattern.find('@', 1)));
-    } else if (reader.isFile(folder + "/.yarn-state.yml")) {
-        installed.places = placesOfYarn(reader.textOf(folder + "/.yarn-state.yml").value_or(""));
-    } else {
-        return holdsStoredPackages(folder);
-    }
-    return holdsPackages(folder, "node_modules/", installed);
-}
-
-/// Folders with a dot are the package manager's own; those with an "@" hold packages in turn.
-bool ArtifactLists::holdsPackages(const std::string& folder, const std::string& place, const PackageList& installed) {
-    const auto content = reader.contentOf(folder);
-    const bool isOutermost = place == "node_modules/";
-    if (!content || (!isOutermost && !content->files.empty())) return false;
-    return std::ranges::all_of(content->folders, [&](const std::string& name) {
-        const std::string path = folder + "/" + name;
-        if (name == ".bin") return holdsOnlyLinks(path);
-        if (name.starts_with('.')) return isOutermost || name == ".cache";
-        if (name.starts_with('@') && place.ends_with("node_modules/"))
-            return holdsPackages(path, place + name + "/", installed);
-        const auto own = place.rfind("node_modules/") + std::string_view("node_modules/").size();
-        if (!reader.isFile(path + "/package.json") || !installed.holds(place + name, place.substr(own) + name))
-            return false;
-        const std::string inner = path + "/node_modules";
-        return !reader.exists(inner) || holdsPackages(inner, place + name + "/node_modules/", installed);
-    });
-}
-
-/// pnpm keeps every package in a folder of its own, "@scope+name@1.0.0_others", and links it from everywhere else.
-bool ArtifactLists::holdsStoredPackages(const std::string& folder) {
-    const auto content = reader.contentOf(folder);
-    const bool isLinked =
-        content && std::ranges::all_of(content->folders, [&](const std::string& name) {
-            return name.starts_with('.') || (name.starts_with('@') && holdsOnlyLinks(folder + "/" + name));
-        });
-    const auto store = reader.contentOf(folder + "/.pnpm");
-    const auto listed = packagesOfPnpm(reader.textOf(folder + "/.pnpm/lock.yaml").value_or(""));
-    return isLinked && store && std::ranges::all_of(store->folders, [&](const std::string& stored) {
-               if (stored == "node_modules") return holdsOnlyLinks(folder + "/.pnpm/node_modules");
-               const auto version = stored.find('@', 1);
-               if (version == std::string::npos) return false;
-               std::string name = stored.substr(0, version);
-               std::ranges::replace(name, '+', '/');
-               const std::string place = folder + "/.pnpm/" + stored;
-               const auto own = reader.contentOf(place);
-               const auto end = std::min(stored.find_first_of("_(", version), stored.size());
-               const auto package = name + stored.substr(version, end - version);
-               return namesPeers(stored.substr(end)) && own && own->files.empty() &&
-                      own->folders == std::vector<std::string>{"node_modules"} && listed.contains(package) &&
-                      holdsOnlyLinks(place + "/node_modules", name);
-           });
-}
-
-bool ArtifactLists::holdsNoFolders(const std::string& folder) {
-    const auto content = reader.contentOf(folder);
-    return content && content->folders.empty();
-}
-
-/// Links, scopes of links, and one folder.
-bool ArtifactLists::holdsOnlyLinks(const std::string& folder, const std::string& butFolder) {
-    const auto content = reader.contentOf(folder);
-    return content && content->files.empty() && std::ranges::all_of(content->folders, [&](const std::string& name) {
-               if (name == butFolder) return true;
-               if (name == ".bin") return holdsNoFolders(folder + "/.bin");
-               const bool isItsScope = name.starts_with('@') && butFolder.starts_with(name + "/");
-               const std::string inner = isItsScope ? butFolder.substr(name.size() + 1) : std::string();
-               return name.starts_with('@') && holdsOnlyLinks(folder + "/" + name, inner);
-           });
-}
-
 bool ArtifactLists::holdsListedPods(const std::string& folder) {
-    constexpr std::array<std::string_view, 3> own{"Headers", "Pods.xcodeproj", "Target Support Files"};
     const auto content = reader.contentOf(folder);
     // "- Name (1.0)", "- Name/Part (1.0)", or either in quotes.
     const std::string list = reader.textOf(folder + "/Manifest.lock").value_or("");
@@ -293,33 +155,32 @@ bool ArtifactLists::holdsListedPods(const std::string& folder) {
         return list.contains("- " + name + " (") || list.contains("- " + name + "/") ||
                list.contains("- \"" + name + " (") || list.contains("- \"" + name + "/");
     };
-    return content && std::ranges::all_of(content->folders, [&](const std::string& name) {
-               return std::ranges::find(own, name) != own.end() || isListed(name);
+    return content && holdsOnlyLinks(folder + "/Headers", 0) &&
+           std::ranges::all_of(content->folders, [&](const std::string& name) {
+               return std::ranges::find(foldersOfPods, name) != foldersOfPods.end() || isListed(name);
            });
 }
 
-bool ArtifactLists::holdsListedCheckoutsOfProjects(const std::string& derivedData) {
-    const auto content = reader.contentOf(derivedData);
-    if (!content) return false;
-    std::vector<std::string> projects = content->folders;
-    projects.emplace_back(".");
-    return std::ranges::all_of(projects, [&](const std::string& project) {
-        const std::string packages = fmt::format("{}/{}/SourcePackages", derivedData, project);
-        return !reader.exists(packages) || holdsListedCheckouts(packages);
-    });
+/// Whether no file lies in a folder, if it is there, or below it.
+bool ArtifactLists::holdsOnlyLinks(const std::string& folder, std::size_t depth) {
+    if (!reader.exists(folder)) return true;
+    const auto content = reader.contentOf(folder);
+    return content && content->files.empty() && depth <= deepest &&
+           std::ranges::all_of(content->folders, [&](const std::string& name) {
+               return holdsOnlyLinks(fmt::format("{}/{}", folder, name), depth + 1);
+           });
 }
 
-/// Anything else in "checkouts" and "repositories" may be a repository with work in it.
-bool ArtifactLists::holdsListedCheckouts(const std::string& packages) {
-    const auto listed = checkoutsOf(reader.textOf(packages + "/workspace-state.json").value_or(""));
-    const auto holdsOnly = [&](const std::string& folder, auto isListed) {
-        if (!reader.exists(folder)) return true;
-        const auto content = reader.contentOf(folder);
-        return content && content->files.empty() && content->links.empty() &&
-               std::ranges::all_of(content->folders, isListed);
-    };
-    return holdsOnly(packages + "/checkouts", [&](const std::string& name) { return listed.contains(name); }) &&
-           holdsOnly(packages + "/repositories", [&](const std::string& name) { return isCloneOf(listed, name); });
+/// Paths below the build folder of where Swift's package manager keeps what it fetched: empty, or ending in "/".
+std::vector<std::string> ArtifactLists::foldersOfSwiftPackages(const std::string& folder, ArtifactKind kind) {
+    if (kind == ArtifactKind::swiftBuild) return {""};
+    std::vector<std::string> found{"SourcePackages/"};
+    if (const auto content = reader.contentOf(folder)) {
+        for (const std::string& project : content->folders)
+            found.push_back(project + "/SourcePackages/");
+    }
+    std::erase_if(found, [&](const auto& packages) { return !reader.exists(fmt::format("{}/{}", folder, packages)); });
+    return found;
 }
 
 bool ArtifactLists::holdsCompiledSources(const std::string& folder) {
@@ -330,17 +191,51 @@ bool ArtifactLists::holdsCompiledSources(const std::string& folder) {
            });
 }
 
-/// Whether all archives are of one version: an older one may be a release that cannot be built again.
+/// Whether all archives are of one name and version: another may be a release that cannot be built again, or no output
+/// of this project.
 bool ArtifactLists::holdsOneVersion(const std::string& archives) {
     const auto content = reader.contentOf(archives);
     if (!content) return false;
-    std::map<std::string, std::string> versions;
+    std::set<std::pair<std::string, std::string>> versions;
+    for (const std::string& file : content->files) {
+        if (const auto name = archiveName(file)) versions.insert(versionOf(*name));
+    }
+    return versions.size() <= 1;
+}
+
+/// Whether all archives are called as Maven noted down when it made them, "artifact-version" or with a part's name
+/// after it.
+bool ArtifactLists::holdsNamedArchives(const std::string& folder) {
+    const auto content = reader.contentOf(folder);
+    if (!content) return false;
+    std::string artifact;
+    std::string version;
+    std::istringstream lines(reader.textOf(folder + "/maven-archiver/pom.properties").value_or(""));
+    for (std::string line; std::getline(lines, line);) {
+        const auto end = line.find_last_not_of("\r\n ") + 1;
+        if (line.starts_with("artifactId=")) artifact = line.substr(11, end - 11);
+        if (line.starts_with("version=")) version = line.substr(8, end - 8);
+    }
+    const std::string noted = artifact + "-" + version;
     return std::ranges::all_of(content->files, [&](const std::string& file) {
-        const auto extension = std::ranges::find_if(archiveExtensions, [&](auto each) { return file.ends_with(each); });
-        if (extension == archiveExtensions.end()) return true;
-        const auto [name, version] = versionOf(std::string_view(file).substr(0, file.size() - extension->size()));
-        return versions.try_emplace(name, version).first->second == version;
+        const auto name = archiveName(file);
+        if (!name) return true;
+        return !artifact.empty() && !version.empty() && (*name == noted || versionOf(*name) == versionOf(noted));
     });
+}
+
+/// Whether each text among the reports of tests ("a.ATest.txt", "a.ATest-output.txt") has the report of that test
+/// beside it.
+bool ArtifactLists::holdsReportsOfTests(const std::string& folder) {
+    const std::string reports = folder + "/surefire-reports";
+    if (!reader.exists(reports)) return true;
+    const auto content = reader.contentOf(reports);
+    return content && std::ranges::all_of(content->files, [&](const std::string& file) {
+               if (!file.ends_with(".txt")) return true;
+               auto test = file.substr(0, file.size() - std::string_view(".txt").size());
+               if (test.ends_with("-output")) test.resize(test.size() - std::string_view("-output").size());
+               return std::ranges::binary_search(content->files, "TEST-" + test + ".xml");
+           });
 }
 
 /// Where the files of the packages lie that are installed in a Python environment, by their own lists.

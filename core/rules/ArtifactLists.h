@@ -1,8 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
+#include "base/Date.h"
 #include "rules/ArtifactKind.h"
 #include "rules/ArtifactReader.h"
 
@@ -17,24 +20,27 @@ public:
 
     /// Files that the tool can make again though they lie where anything may: paths below the folder.
     [[nodiscard]] std::set<std::string> listedFiles(const std::string& folder, ArtifactKind kind);
+    /// Whether a file is one of those, or the bytecode of one.
+    [[nodiscard]] static bool isListed(const std::set<std::string>& files, const std::string& file);
 
-    /// Whether all stands in the tool's list that has to: packages, pods, checkouts, the sources of compiled modules;
-    /// and whether no archive is of another version than the rest.
+    /// When a package manager was done with installing, where it notes that: what changed in a package since then, a
+    /// person changed.
+    [[nodiscard]] std::optional<Date> installed(const std::string& folder, ArtifactKind kind);
+    /// Whether a folder of the build folder is one of a package. `folder` is relative and ends with "/".
+    [[nodiscard]] static bool isInPackage(const std::string& folder, ArtifactKind kind);
+
+    /// Whether all stands in the tool's list that has to: packages, pods, checkouts, the sources of compiled modules,
+    /// reports of tests, what makes up a bundle; and whether no archive is of another name or version than the rest.
     [[nodiscard]] bool nameAll(const std::string& folder, ArtifactKind kind);
 
 private:
-    struct PackageList;
-
-    [[nodiscard]] bool holdsListedPackages(const std::string& folder);
-    [[nodiscard]] bool holdsPackages(const std::string& folder, const std::string& place, const PackageList& installed);
-    [[nodiscard]] bool holdsStoredPackages(const std::string& folder);
-    [[nodiscard]] bool holdsNoFolders(const std::string& folder);
-    [[nodiscard]] bool holdsOnlyLinks(const std::string& folder, const std::string& butFolder = {});
     [[nodiscard]] bool holdsListedPods(const std::string& folder);
-    [[nodiscard]] bool holdsListedCheckouts(const std::string& packages);
-    [[nodiscard]] bool holdsListedCheckoutsOfProjects(const std::string& derivedData);
+    [[nodiscard]] bool holdsOnlyLinks(const std::string& folder, std::size_t depth);
+    [[nodiscard]] std::vector<std::string> foldersOfSwiftPackages(const std::string& folder, ArtifactKind kind);
     [[nodiscard]] bool holdsCompiledSources(const std::string& folder);
     [[nodiscard]] bool holdsOneVersion(const std::string& archives);
+    [[nodiscard]] bool holdsNamedArchives(const std::string& folder);
+    [[nodiscard]] bool holdsReportsOfTests(const std::string& folder);
     [[nodiscard]] std::set<std::string> installedFiles(const std::string& environment);
     void addFilesBelow(const std::string& folder, const std::string& as, std::size_t depth,
                        std::set<std::string>& files);

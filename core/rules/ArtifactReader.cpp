@@ -40,6 +40,7 @@ void ArtifactContent::entry(const FolderEntry& entry) {
     const bool isPlain = entry.error == 0 && entry.mountStatus == 0 && files.size() + links.size() < mostNames;
     if (isPlain && entry.type == EntryType::file) {
         files.emplace_back(entry.name);
+        newest = std::max(newest, entry.modified);
     } else if (isPlain && entry.type == EntryType::link) {
         links.emplace_back(entry.name);
     } else {
@@ -57,7 +58,7 @@ bool ArtifactContent::isRepository() const {
 }
 
 ArtifactReader::ArtifactReader(FolderSource& from, std::optional<WalkVolume> onVolume, std::function<bool()> stopTest)
-    : source(from), reader(from, ListingDetail::sizes), volume(onVolume), stops(std::move(stopTest)) {}
+    : source(from), reader(from, ListingDetail::facts), volume(onVolume), stops(std::move(stopTest)) {}
 
 std::optional<ArtifactContent> ArtifactReader::contentOf(const std::string& folder) {
     return contentOf(folder, volume);
@@ -89,6 +90,8 @@ std::optional<ArtifactContent> ArtifactReader::contentOf(const std::string& fold
     for (const auto& subfolder : listed.subfolders)
         content.folders.emplace_back(listed.nameOf(subfolder));
     std::ranges::sort(content.files);
+    std::ranges::sort(content.folders);
+    content.newest = std::max(content.newest, listed.status.modified);
     return std::move(content);
 }
 
@@ -105,8 +108,13 @@ bool ArtifactReader::beginsWith(const std::string& file, std::string_view text) 
 }
 
 bool ArtifactReader::isFile(const std::string& path) {
-    const auto status = source.lookUp(path);
+    const auto status = statusOf(path);
     return status && status->type == EntryType::file;
+}
+
+std::optional<FileStatus> ArtifactReader::statusOf(const std::string& path) {
+    const auto status = source.lookUp(path);
+    return status ? std::optional(*status) : std::nullopt;
 }
 
 bool ArtifactReader::exists(const std::string& path) {

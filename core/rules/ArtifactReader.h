@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Date.h"
 #include "filesystem/FileIdentity.h"
 #include "filesystem/FolderReader.h"
 #include "filesystem/FolderSource.h"
@@ -25,10 +26,12 @@ public:
 
     std::string path;
     FileIdentity identity;
-    /// Sorted.
+    // Files and folders are sorted.
     std::vector<std::string> files;
     std::vector<std::string> folders;
     std::vector<std::string> links;
+    /// Of the folder and of the files directly in it.
+    Date newest;
     /// Something that no tool puts there, or that could not be looked at.
     bool holdsOther = false;
 };
@@ -49,6 +52,8 @@ public:
     [[nodiscard]] std::optional<std::string> textOf(const std::string& file);
     [[nodiscard]] bool beginsWith(const std::string& file, std::string_view text);
     [[nodiscard]] bool isFile(const std::string& path);
+    /// What lies at a path, if anything does.
+    [[nodiscard]] std::optional<FileStatus> statusOf(const std::string& path);
     /// Whether anything is there, or may be.
     [[nodiscard]] bool exists(const std::string& path);
 

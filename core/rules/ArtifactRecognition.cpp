@@ -55,8 +55,8 @@ std::optional<FileIdentity> ArtifactRecognition::recognise(const std::string& fo
 
 bool ArtifactRecognition::canBeMadeAgain(const std::string& folder, ArtifactKind kind) {
     reader.forgetTrouble();
-    const auto listed = lists.listedFiles(folder, kind);
-    const auto holdsOnlyOwn = [&](const auto& tool) { return holdsOnly(tool.own.top(), listed, folder, {}, 0); };
+    const Evidence evidence{kind, lists.listedFiles(folder, kind), lists.installed(folder, kind)};
+    const auto holdsOnlyOwn = [&](const auto& tool) { return holdsOnly(tool.own.top(), evidence, folder, {}, 0); };
     return std::ranges::any_of(factsOf(kind).tools, holdsOnlyOwn) && lists.nameAll(folder, kind);
 }
 
@@ -81,7 +81,8 @@ std::optional<ArtifactMarkers> ArtifactRecognition::markersIn(const std::string&
 
 /// Whether every name directly in the folder is one that the tool gives.
 bool ArtifactRecognition::holdsOnlyNamesOf(const ArtifactLayout::Place& own, const ArtifactContent& content) {
-    const auto isOwn = [&](const std::string& name) { return goesOn() && own.holdsFile(name, content.files); };
+    const ArtifactNeighbours beside{content.files, content.folders};
+    const auto isOwn = [&](const std::string& name) { return goesOn() && own.holdsFile(name, beside); };
     const auto isOwnFolder = [&](const std::string& name) { return own.holdsFolder(name); };
     return !content.holdsOther && std::ranges::all_of(content.files, isOwn) &&
            std::ranges::all_of(content.folders, isOwnFolder) &&
@@ -89,21 +90,25 @@ bool ArtifactRecognition::holdsOnlyNamesOf(const ArtifactLayout::Place& own, con
 }
 
 /// Whether every file in the folder, which is `path` below the build folder, lies where the tool's own lie, or is
-/// listed.
-bool ArtifactRecognition::holdsOnly(const ArtifactLayout::Place& own, const std::set<std::string>& listed,
+/// listed, and nothing changed where packages were installed.
+bool ArtifactRecognition::holdsOnly(const ArtifactLayout::Place& own, const Evidence& evidence,
                                     const std::string& folder, const std::string& path, std::size_t depth) {
     const auto content = reader.contentOf(folder);
     if (!content || content->holdsOther || depth > deepest) return false;
     if (content->isRepository() && !own.mayBeRepository()) return false;
+    const bool isChanged = evidence.installed && content->newest > *evidence.installed;
+    if (isChanged && ArtifactLists::isInPackage(path, evidence.kind)) return false;
+    const ArtifactNeighbours beside{content->files, content->folders};
     const auto isOwn = [&](const std::string& name) {
-        return goesOn() && (own.holdsFile(name, content->files) || (!listed.empty() && listed.contains(path + name)));
+        return goesOn() && (own.holdsFile(name, beside) ||
+                            (!evidence.listed.empty() && ArtifactLists::isListed(evidence.listed, path + name)));
     };
     const auto isOwnLink = [&](const std::string& name) {  // to a package that lies elsewhere, say
         return isOwn(name) || (depth == 0 && own.holdsFolder(name));
     };
     return std::ranges::all_of(content->files, isOwn) && std::ranges::all_of(content->links, isOwnLink) &&
            std::ranges::all_of(content->folders, [&](const std::string& name) {
-               return holdsOnly(own.within(name), listed, folder + "/" + name, path + name + "/", depth + 1);
+               return holdsOnly(own.within(name), evidence, folder + "/" + name, path + name + "/", depth + 1);
            });
 }
 

@@ -34,8 +34,8 @@ public:
 
     /// Whether a recognised folder holds nothing but what the tool put there and can make again, as far as that can be
     /// told: every file lies where the tool's files lie, there is no repository but where the tool clones them, and
-    /// what its tool keeps a list of stands in that, as `ArtifactLists` says. Looks at everything in it, so it is asked
-    /// only of a folder that would go.
+    /// what its tool keeps a list of stands in that and was not changed since, as `ArtifactLists` says. Looks at
+    /// everything in it, so it is asked only of a folder that would go.
     [[nodiscard]] bool canBeMadeAgain(const std::string& folder, ArtifactKind kind);
 
     /// Whether the folder, an absolute path without links, or one around it has a build folder's name with one of that
@@ -51,8 +51,14 @@ public:
 private:
     [[nodiscard]] bool isMarked(const std::string& project, ArtifactKind kind);
     [[nodiscard]] bool holdsOnlyNamesOf(const ArtifactLayout::Place& own, const ArtifactContent& content);
-    [[nodiscard]] bool holdsOnly(const ArtifactLayout::Place& own, const std::set<std::string>& listed,
-                                 const std::string& folder, const std::string& path, std::size_t depth);
+    /// What a folder is held against, apart from its tool's layout.
+    struct Evidence {
+        ArtifactKind kind;
+        std::set<std::string> listed;
+        std::optional<Date> installed;
+    };
+    [[nodiscard]] bool holdsOnly(const ArtifactLayout::Place& own, const Evidence& evidence, const std::string& folder,
+                                 const std::string& path, std::size_t depth);
     [[nodiscard]] bool goesOn();
     [[nodiscard]] bool shows(const ArtifactContent& content, const ArtifactSignature& signature);
 

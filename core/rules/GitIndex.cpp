@@ -70,12 +70,18 @@ public:
     }
     /// Reads the next entry into `name` and `kind`, unless it is not as it must be.
     bool entry() {
-        constexpr std::size_t datesAndNumbers = 24;
-        constexpr std::size_t ownersAndSize = 12;
+        constexpr std::size_t statusChange = 8;
+        constexpr std::size_t deviceAndInode = 8;
+        constexpr std::size_t owners = 8;
         const std::size_t start = at;
-        take(datesAndNumbers);
+        take(statusChange);
+        modifiedSeconds = number(4);
+        modifiedNanoseconds = number(4);
+        take(deviceAndInode);
         kind = number(4) >> 12U;
-        take(ownersAndSize + idLength);
+        take(owners);
+        size = number(4);
+        take(idLength);
         const unsigned flags = number(2);
         if ((flags & extended) != 0) take(2);
         const std::string before = name;
@@ -105,6 +111,9 @@ public:
 
     std::string name;
     unsigned kind = 0;
+    std::uint32_t modifiedSeconds = 0;
+    std::uint32_t modifiedNanoseconds = 0;
+    std::uint32_t size = 0;
     std::uint32_t entriesLeft = 0;
 
 private:
@@ -129,27 +138,45 @@ private:
     std::uint32_t version = 0;
 };
 
+struct GitIndex::Content {
+    GitIndex folders;
+    std::vector<Entry> entries;
+};
+
 std::optional<GitIndex> GitIndex::parse(std::string_view bytes) {
-    auto withShortIDs = parse(bytes, 20);
-    auto withLongIDs = parse(bytes, 32);
+    auto content = read(bytes, false);
+    return content ? std::optional(std::move(content->folders)) : std::nullopt;
+}
+
+std::vector<GitIndex::Entry> GitIndex::entriesOf(std::string_view bytes) {
+    auto content = read(bytes, true);
+    return content ? std::move(content->entries) : std::vector<Entry>();
+}
+
+std::optional<GitIndex::Content> GitIndex::read(std::string_view bytes, bool withEntries) {
+    auto withShortIDs = read(bytes, withEntries, 20);
+    auto withLongIDs = read(bytes, withEntries, 32);
     if (withShortIDs && withLongIDs) return std::nullopt;
     return withShortIDs ? std::move(withShortIDs) : std::move(withLongIDs);
 }
 
-std::optional<GitIndex> GitIndex::parse(std::string_view bytes, std::size_t idLength) {
+std::optional<GitIndex::Content> GitIndex::read(std::string_view bytes, bool withEntries, std::size_t idLength) {
     const std::size_t checksumLength = idLength;
     if (bytes.size() > longest || bytes.size() < checksumLength) return std::nullopt;
     Reader reader(bytes.substr(0, bytes.size() - checksumLength), idLength);
     if (!reader.header()) return std::nullopt;
-    GitIndex index;
+    Content content;
     std::string last;
     for (; reader.entriesLeft > 0; --reader.entriesLeft) {
         if (!reader.entry()) return std::nullopt;
         const auto folder = reader.kind == repository ? std::string_view(reader.name) : folderOf(reader.name);
-        if (folder != last && !index.add(folder)) return std::nullopt;
+        if (folder != last && !content.folders.add(folder)) return std::nullopt;
         last = folder;
+        if (withEntries && reader.kind != repository)
+            content.entries.push_back(
+                {reader.name, reader.kind == link, reader.modifiedSeconds, reader.modifiedNanoseconds, reader.size});
     }
-    return reader.extensions() ? std::optional(std::move(index)) : std::nullopt;
+    return reader.extensions() ? std::optional(std::move(content)) : std::nullopt;
 }
 
 /// With all folders around it; no when that would be too much.

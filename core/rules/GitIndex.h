@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <vector>
 
 namespace vostrel {
 
@@ -22,6 +24,17 @@ public:
     /// long.
     [[nodiscard]] static std::optional<GitIndex> parse(std::string_view bytes);
 
+    /// A file or link as it was when Git last looked at it.
+    struct Entry {
+        std::string name;  ///< relative to the repository's files
+        bool isLink = false;
+        std::uint32_t modifiedSeconds = 0;
+        std::uint32_t modifiedNanoseconds = 0;  ///< zero also where Git did not note it
+        std::uint32_t length = 0;               ///< modulo 2^32
+    };
+    /// All that the bytes name, other repositories apart; nothing where `parse` gives nothing.
+    [[nodiscard]] static std::vector<Entry> entriesOf(std::string_view bytes);
+
     /// Whether it names anything inside the folder, or the folder itself as another repository. `folder` is relative
     /// to the repository's files; case and Unicode form do not count.
     [[nodiscard]] bool names(std::string_view folder) const;
@@ -29,7 +42,9 @@ public:
 private:
     class Reader;
 
-    [[nodiscard]] static std::optional<GitIndex> parse(std::string_view bytes, std::size_t idLength);
+    struct Content;
+    [[nodiscard]] static std::optional<Content> read(std::string_view bytes, bool withEntries);
+    [[nodiscard]] static std::optional<Content> read(std::string_view bytes, bool withEntries, std::size_t idLength);
     [[nodiscard]] bool add(std::string_view folder);
 
     /// With all those around them, folded.

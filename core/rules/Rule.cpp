@@ -23,6 +23,10 @@ ApprovalKey Rule::approvalKey(const std::set<RootIdentity>& roots, const PresetC
     return key;
 }
 
+bool Rule::approvalHolds(const PresetCatalog& catalog) const {
+    return approval && *approval == approvalKey(approval->roots, catalog);
+}
+
 std::set<std::string> Rule::normalizedPauseList(const std::vector<std::string>& list) {
     std::set<std::string> normalized;
     for (const std::string& entry : list) {

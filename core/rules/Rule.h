@@ -42,6 +42,9 @@ struct Rule {
     [[nodiscard]] bool hasUnattendedTrigger() const;
     /// What an approval of the rule as it is would say, for a preview that opened these roots.
     [[nodiscard]] ApprovalKey approvalKey(const std::set<RootIdentity>& roots, const PresetCatalog& catalog) const;
+    /// Whether the approval that the rule stores says what the rule does now. That its folders are still the approved
+    /// ones shows only once they are open.
+    [[nodiscard]] bool approvalHolds(const PresetCatalog& catalog) const;
     /// The pause list as approvals hold it: without blanks around or between entries, and without order.
     [[nodiscard]] static std::set<std::string> normalizedPauseList(const std::vector<std::string>& list);
     /// What is wrong with a rule that cannot be saved as it is, one sentence each; empty when it is valid.

@@ -26,6 +26,9 @@ inline constexpr const char* noProjectsInLibrary =
 inline constexpr const char* noKindOfBuildFolder = "Choose at least one kind of folder to remove.";
 inline constexpr const char* untouchedDaysOutOfRange = "Untouched days must be between 1 and 3650.";
 
+inline constexpr const char* noTimeOfDay = "A run time is not a time of day.";
+inline constexpr const char* noDayOfTheWeek = "A weekly run has a day that does not exist.";
+
 inline constexpr const char* folderMissing =
     "The folder does not exist, or the rule has no folder. Edit the rule and choose one.";
 inline constexpr const char* folderUnreadable =

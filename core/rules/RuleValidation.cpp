@@ -99,9 +99,9 @@ void checkTriggers(const std::vector<RuleTrigger>& triggers, Problems& problems)
     };
     problems.addIf(
         anyTrigger<DailyTrigger>(triggers, isNoTimeOfDay) || anyTrigger<WeeklyTrigger>(triggers, isNoTimeOfDay),
-        "A run time is not a time of day.");
+        sentences::noTimeOfDay);
     problems.addIf(anyTrigger<WeeklyTrigger>(triggers, [](const auto& at) { return at.weekday < 1 || at.weekday > 7; }),
-                   "A weekly run has a day that does not exist.");
+                   sentences::noDayOfTheWeek);
     problems.addIf(
         anyTrigger<WhenAppQuitsTrigger>(triggers, [](const auto& quit) { return trimmed(quit.bundleID).empty(); }),
         "A run when an app quits needs the app's bundle id.");

@@ -12,12 +12,12 @@ namespace {
 using Names = std::vector<std::string>;
 
 /// Those of the files, side by side, that may lie there.
-std::set<std::string> held(const Names& layout, Names files) {
+std::set<std::string> held(const Names& layout, Names files, const Names& folders = {}) {
     const auto compiled = ArtifactLayout::compile(layout, {});
     std::ranges::sort(files);
     std::set<std::string> held;
     for (const std::string& file : files) {
-        if (compiled.top().holdsFile(file, files)) held.insert(file);
+        if (compiled.top().holdsFile(file, {files, folders})) held.insert(file);
     }
     return held;
 }
@@ -40,6 +40,35 @@ TEST(ArtifactLayoutTest, tellsHashesFromWordsVersionsAndDates) {
         expected.insert("index-" + hash + ".js");
 
     EXPECT_THAT(held({"*-HASH.js"}, files), testing::ContainerEq(expected));
+}
+
+TEST(ArtifactLayoutTest, tellsPartsOfNamesByTheirCharacters) {
+    const Names made{"0123456789abcdef", "0123456789abcdef0.js", "lib-shop_2", "shop", "tool"};
+    const Names others{"0123456789abcde",
+                       "0123456789ABCDEF",
+                       "0123456789abcdef.png",
+                       "g0123456789abcdef",
+                       "lib-",
+                       "lib-my notes.txt",
+                       "lib-shop.txt.json",
+                       "shop.product",
+                       "notes"};
+    Names files = made;
+    files.insert(files.end(), others.begin(), others.end());
+    files.emplace_back("tool-state.json");
+
+    EXPECT_THAT(held({"HEX", "HEX.js", "lib-WORD", "PRODUCT"}, files, {"shop.product"}),
+                testing::UnorderedElementsAreArray(made));
+}
+
+TEST(ArtifactLayoutTest, givesAFolderThatIsNamedToNoPattern) {
+    const auto layout = ArtifactLayout::compile(Names{"*/*.md", "Headers/*.h", "**/any/*.c", "**/*.txt"}, {});
+    const auto isHeld = [&](std::string_view folder, std::string_view file) {
+        return layout.top().within(folder).holdsFile(file, {});
+    };
+    EXPECT_TRUE(isHeld("other", "a.md") && isHeld("other", "a.txt") && isHeld("Headers", "a.h") &&
+                isHeld("any", "a.c"));
+    EXPECT_FALSE(isHeld("Headers", "a.md") || isHeld("Headers", "a.txt") || isHeld("any", "a.h"));
 }
 
 TEST(ArtifactLayoutTest, letsOnlyProgramsAndTheirListsLieSideBySide) {

@@ -88,7 +88,7 @@ TEST(RuleBookTest, definesWhatATargetStandsFor) {
     const auto scan =
         definition(ProjectScanTarget{{"/code"}, {ArtifactKind::pycache, ArtifactKind::nodeModules}, 30}, catalog);
     EXPECT_TRUE(scan.starts_with(
-        R"(projectScan;depth 5;sources 16;{"nodeModules":"revision 2; node_modules; beside package.json; npm: )"))
+        R"(projectScan;depth 5;sources 16;{"nodeModules":"revision 3; node_modules; beside package.json; npm: )"))
         << scan;
     EXPECT_TRUE(scan.contains(R"("pycache":"revision 1; __pycache__; beside Python files; Python: )"
                               R"(anyOf(onlyFilesMatching:*.cpython-3*.pyc), files *.cpython-3[0-9].pyc, )"))

@@ -134,6 +134,18 @@ std::vector<RunReport> CleanLog::reports(Date since) const {
     return newest;
 }
 
+std::vector<fs::path> CleanLog::unreadable() const {
+    std::error_code problem;
+    const fs::directory_iterator entries(directory, problem);
+    if (problem == std::errc::no_such_file_or_directory) return {};
+    if (problem) return {directory};
+    std::vector<fs::path> files;
+    for (const LogFile& dayFile : dayFilesIn(directory)) {
+        if (!LineFile{dayFile.url}.isReadable()) files.push_back(dayFile.url);
+    }
+    return files;
+}
+
 RunDetails CleanLog::details(const Uuid& run) const {
     RunDetails details;
     for (auto& line : decodeLines<DetailLine>(io.read(sidecarURL(run)), JSONCoding::decoder())) {

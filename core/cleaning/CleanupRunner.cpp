@@ -6,7 +6,10 @@
 #include <utility>
 #include <vector>
 
+#include "cleaning/ApprovedFolders.h"
 #include "cleaning/RunSentences.h"
+#include "rules/RuleSentences.h"
+#include "rules/TargetResolver.h"
 
 namespace vostrel {
 
@@ -27,7 +30,8 @@ public:
         : runner(with), rule(ofRule), trigger(startedBy), present(std::move(asked)), control(ofControl) {}
 
     [[nodiscard]] RunReport withNewPlan() const {
-        for (const auto check : {&Run::checkEnabled, &Run::checkPaused, &Run::checkApproved, &Run::checkApps}) {
+        for (const auto check :
+             {&Run::checkEnabled, &Run::checkPaused, &Run::checkApproved, &Run::checkApps, &Run::checkFolders}) {
             if (const Check skip = (this->*check)()) return skipped(*skip);
         }
         const auto plan = runner.planner.plan(rule, runner.clock(), [this] { return control.isCancelled(); });
@@ -67,20 +71,25 @@ private:
     /// That the folders are still the approved ones shows once they are open.
     [[nodiscard]] Check checkApproved() const {
         if (!needsApproval(trigger)) return std::nullopt;
-        const bool isApproved = rule.approval &&
-                                *rule.approval == rule.approvalKey(rule.approval->roots, runner.planner.catalog) &&
-                                isPermitted(trigger, *rule.approval);
-        if (isApproved) return std::nullopt;
+        if (rule.approvalHolds(runner.planner.catalog) && isPermitted(trigger, *rule.approval)) return std::nullopt;
         return Skip{RunSkipReason::notApproved};
     }
 
     [[nodiscard]] Check checkApps() const {
-        if (!isUnattended(trigger) || rule.pauseWhileRunning.empty()) return std::nullopt;
-        const auto running = runner.runningApps.runningIdentifiers();
-        const bool waits =
-            std::ranges::any_of(rule.pauseWhileRunning, [&](const std::string& app) { return running.contains(app); });
-        if (!waits) return std::nullopt;
+        if (!isUnattended(trigger) || !runner.waits(rule)) return std::nullopt;
         return Skip{RunSkipReason::appRunning};
+    }
+
+    /// Planning opens the folders, which makes some systems ask the user: nobody is there.
+    [[nodiscard]] Check checkFolders() const {
+        if (!isUnattended(trigger)) return std::nullopt;
+        const auto resolved = runner.planner.resolver.resolve(rule.target, runner.planner.catalog);
+        if (!resolved) return std::nullopt;  // which planning tells
+        const bool isBlocked = std::ranges::any_of(*resolved, [&](const ResolvedRoot& root) {
+            return std::holds_alternative<UnattendedLookup::Blocked>(runner.lookup.look(root.url));
+        });
+        if (!isBlocked) return std::nullopt;
+        return Skip{RunSkipReason::rootProblem, sentences::folderUnreadable};
     }
 
     [[nodiscard]] Check checkPreview(const CleanupPlan& plan) const {
@@ -93,10 +102,8 @@ private:
 
     [[nodiscard]] Check checkApprovedRoots(const CleanupPlan& plan) const {
         if (!needsApproval(trigger)) return std::nullopt;
-        const auto roots = plan.rootIdentities();
-        if (roots == rule.approval->roots) return std::nullopt;
-        const bool isOneFolder = roots.size() == 1 && rule.approval->roots.size() == 1;
-        return Skip{RunSkipReason::rootProblem, isOneFolder ? sentences::folderReplaced : sentences::foldersChanged};
+        if (const auto problem = approvedFoldersProblem(rule, plan)) return Skip{RunSkipReason::rootProblem, *problem};
+        return std::nullopt;
     }
 
     [[nodiscard]] static Skip skipFor(const PlanError& error) {
@@ -146,10 +153,16 @@ private:
         const bool isTheSame = now && now->enabled == rule.enabled && now->target == rule.target &&
                                now->filter == rule.filter && now->action == rule.action &&
                                now->pauseWhileRunning == rule.pauseWhileRunning &&
-                               (!needsApproval(trigger) || now->approval == rule.approval);
+                               (!needsApproval(trigger) || isStillApproved(*now));
         if (!isTheSame) return StopReason{StopReason::Kind::ruleChanged};
         if (isUnattended(trigger) && present.isPaused()) return StopReason{StopReason::Kind::paused};
         return std::nullopt;
+    }
+
+    /// An edit of its triggers withdraws an approval, and leaves it where it is stored.
+    [[nodiscard]] bool isStillApproved(const Rule& now) const {
+        return now.approval == rule.approval && now.approvalHolds(runner.planner.catalog) &&
+               isPermitted(trigger, *now.approval);
     }
 
     [[nodiscard]] static bool isOnOneDisk(const CleanupPlan& plan) {
@@ -201,6 +214,12 @@ Rule ruleOf(const CleanupPlan& plan, std::string_view name) {
 }
 
 }  // namespace
+
+bool CleanupRunner::waits(const Rule& rule) const {
+    if (rule.pauseWhileRunning.empty()) return false;
+    const auto running = runningApps.runningIdentifiers();
+    return std::ranges::any_of(rule.pauseWhileRunning, [&](const std::string& app) { return running.contains(app); });
+}
 
 RunReport CleanupRunner::run(const Rule& rule, RunTrigger trigger, const Present& present,
                              const RunControl& control) const {

@@ -13,6 +13,7 @@
 #include "cleaning/RunControl.h"
 #include "cleaning/RunLock.h"
 #include "cleaning/RunReport.h"
+#include "cleaning/UnattendedLookup.h"
 #include "monitor/VolumeCapacityReading.h"
 #include "platform/RunningApplications.h"
 
@@ -34,6 +35,8 @@ struct CleanupRunner {
     const CleanLog& log;
     const RunLock& lock;
     Clock clock = &Date::now;
+    /// Asked of the folders before a run that nobody watches.
+    UnattendedLookup lookup = {};
 
     /// What a run asks of the present, from its own thread, before it begins and while it runs.
     struct Present {
@@ -44,6 +47,9 @@ struct CleanupRunner {
         /// Hears of each item before it is looked at; may be empty.
         std::function<void(const PlannedItem&)> progress = {};
     };
+
+    /// Whether an application that the rule waits for is running.
+    [[nodiscard]] bool waits(const Rule& rule) const;
 
     /// Plans the rule now and runs it.
     [[nodiscard]] RunReport run(const Rule& rule, RunTrigger trigger, const Present& present,

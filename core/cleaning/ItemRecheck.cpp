@@ -192,6 +192,7 @@ std::optional<ItemVerdict> ItemRecheck::checkIdentity(const PlannedItem& item) {
     if (!isTheSame) return ItemVerdict::changed(sentences::item::itemReplaced);
     const OwnedDescriptor around(openFolder(item.url.parent_path()));
     const auto holder = around.isOpen() ? statusOfOpen(around.get()) : std::unexpected(errno);
+    if (!holder && !isAnotherPath(holder.error())) return ItemVerdict::changed(sentences::item::couldNotCheck);
     if (!holder || FileIdentity{holder->device, holder->inode} != item.parent)
         return ItemVerdict::refused(sentences::item::folderReplaced);
     return std::nullopt;

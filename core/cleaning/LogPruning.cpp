@@ -13,9 +13,9 @@ LogPruning::LogPruning(const std::filesystem::path& folder, const std::filesyste
     for (auto& file : detailFilesIn(detailFolder))
         details.emplace(file.name, std::move(file));
     for (const auto& file : days)
-        totalBytes = checkedAdd(totalBytes, file.size, "the log's size");
+        totalBytes = saturatingAdd(totalBytes, file.size);
     for (const auto& [name, file] : details)
-        totalBytes = checkedAdd(totalBytes, file.size, "the log's size");
+        totalBytes = saturatingAdd(totalBytes, file.size);
 }
 
 void LogPruning::removeBefore(const std::string& dayFileName) {

@@ -8,26 +8,17 @@
 
 namespace vostrel {
 
-namespace {
-
-bool lies(const std::filesystem::path& folder, const std::filesystem::path& project) {
-    return std::mismatch(project.begin(), project.end(), folder.begin(), folder.end()).first == project.end();
-}
-
-}  // namespace
-
 ProjectChecks::ProjectChecks(const CleanupPlan& ofRun, int daysUntouched, ProjectMeasuring measuring)
     : plan(ofRun), untouchedDays(daysUntouched), measureProject(std::move(measuring)) {
-    std::set<std::filesystem::path> all;
     for (const PlannedItem& item : plan.items) {
-        if (!item.project) continue;
-        all.insert(item.url.parent_path());
-        holders[item.project->folder];
+        if (item.project) holders[item.project->folder];
     }
     // A project inside another is a part of that one too.
-    for (auto& [project, inside] : holders) {
-        for (const auto& holder : all) {
-            if (lies(holder, project)) inside.insert(holder);
+    for (const PlannedItem& item : plan.items) {
+        if (!item.project) continue;
+        const auto holder = item.url.parent_path();
+        for (auto around = holder; around.has_relative_path(); around = around.parent_path()) {
+            if (const auto project = holders.find(around); project != holders.end()) project->second.insert(holder);
         }
     }
 }
@@ -48,8 +39,9 @@ ProjectMeasure ProjectChecks::measure(const PlannedItem& item, const WalkBudget&
     if (serves) return known->second.measure;
     ProjectQuestion question{
         project, plan.roots.at(item.rootIndex).exception, holders.at(project), {}, budget.isCancelled};
-    for (const auto& [folder, names] : removedFrom)
-        question.removedFrom.insert(folder);
+    for (const auto& holder : question.holders) {
+        if (removedFrom.contains(holder)) question.removedFrom.insert(holder);
+    }
     return last.insert_or_assign(project, Measured{now, measureProject(question)}).first->second.measure;
 }
 

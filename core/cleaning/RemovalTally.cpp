@@ -54,6 +54,7 @@ bool RemovalTally::changedAfterPreview(const FileStatus& status) const {
 
 void RemovalTally::removed(const RemovalEntry& entry, std::optional<Date> changedByIt) {
     const bool isFolder = entry.status && entry.status->type == EntryType::folder;
+    itemIsGone = itemIsGone || entry.isTop;
     ++(isFolder ? done.removedFolders : done.removedFiles);
     done.removedBytes = checkedAdd(done.removedBytes, pendingBytes, "the size of what was deleted");
     if (isFolder || !entry.status) return;

@@ -27,6 +27,8 @@ public:
     Answer failed(std::string_view path, int error) override;
 
     [[nodiscard]] const Removal& removal() const { return done; }
+    /// The item itself was removed, which is surer than another look at its place.
+    [[nodiscard]] bool isItemGone() const { return itemIsGone; }
 
 private:
     [[nodiscard]] Answer stopFor(Removal::Replaced replaced);
@@ -35,6 +37,7 @@ private:
     const RemovalLimits& limits;
     std::string folderPath;
     Removal done;
+    bool itemIsGone = false;
     /// What the entry confirmed last gives back.
     std::int64_t pendingBytes = 0;
     /// Files that lost a name to this removal, and the status-change time that gave them.

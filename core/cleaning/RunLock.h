@@ -36,7 +36,9 @@ public:
         return body();
     }
 
-    /// The run that some program is carrying out at this moment.
+    /// Whether some program carries out a run at this moment.
+    [[nodiscard]] bool isHeld() const;
+    /// Which one, where the file names it.
     [[nodiscard]] std::optional<Uuid> runInHand() const;
 
 private:

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "base/Date.h"
 #include "cleaning/FileOperating.h"
 
 namespace vostrel {
@@ -14,7 +15,8 @@ namespace vostrel {
 class SystemFileOperations final : public FileOperating {
 public:
     /// In the home whose Trash is the user's.
-    explicit SystemFileOperations(std::filesystem::path actingIn) : home(std::move(actingIn)) {}
+    explicit SystemFileOperations(std::filesystem::path actingIn, Clock present = &Date::now)
+        : home(std::move(actingIn)), clock(std::move(present)) {}
 
     [[nodiscard]] std::expected<std::optional<std::filesystem::path>, std::string> trash(
         const std::filesystem::path& item, FileIdentity identity, FileIdentity parent) override;
@@ -23,6 +25,8 @@ public:
 
 private:
     std::filesystem::path home;
+    /// Dates what goes to the Trash.
+    Clock clock;
 };
 
 }  // namespace vostrel

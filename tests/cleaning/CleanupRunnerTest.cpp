@@ -3,35 +3,23 @@
 
 #include <chrono>
 
-#include "cleaning/CleanupRunner.h"
-#include "cleaning/ExecutorHome.h"
 #include "cleaning/LiveRules.h"
+#include "cleaning/RunnerHome.h"
+#include "rules/RuleSentences.h"
 
 namespace vostrel {
 namespace {
 
 using namespace std::chrono_literals;
+using std::chrono::days;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// A disk whose free space a test decides.
-class FixedCapacity final : public VolumeCapacityReading {
-public:
-    mutable std::vector<std::optional<std::int64_t>> free{1'000, 5'000};
-
-    [[nodiscard]] std::expected<VolumeCapacity, VolumeCapacityError> read(
-        const std::filesystem::path& /*volumeAt*/, ImportantFigure /*important*/) const override {
-        const auto next = free.front();
-        free.erase(free.begin());
-        if (!next) return std::unexpected(VolumeCapacityError{EIO});
-        return VolumeCapacity{10'000, *next};
-    }
-};
-
-class CleanupRunnerTest : public testing::Test, protected ExecutorHome {
+class CleanupRunnerTest : public testing::Test, protected RunnerHome {
 protected:
     void SetUp() override {
+        capacity.free = {1'000, 5'000};
         home.makeFile("cache/file");
         rule = ruleOn("cache");
         rule.id = Uuid::random();
@@ -57,16 +45,6 @@ protected:
     Rule rule;
     LiveRules live;
     CleanupRunner::Present present;
-    FixedCapacity capacity;
-    CleanLog log{home / "Log"};
-    RunLock lock{home / "run.lock"};
-    CleanupRunner runner{.reader = capacity,
-                         .planner = planner,
-                         .executor = executor,
-                         .runningApps = apps,
-                         .log = log,
-                         .lock = lock,
-                         .clock = [this] { return now; }};
 };
 
 TEST_F(CleanupRunnerTest, recordsTheRunBeforeAnythingIsTouchedAndItsEnd) {
@@ -100,6 +78,13 @@ TEST_F(CleanupRunnerTest, skipsAnAutomaticRunForTheFirstReasonThereIs) {
         {RunSkipReason::notApproved, {}, [&] { rule.name = "x", rule.filter.minAgeDays = 1; }},
         {RunSkipReason::appRunning, {}, [&] { apps.running = {"com.apple.dt.Xcode"}; }},
         {RunSkipReason::rootProblem,
+         {sentences::folderUnreadable},
+         [&] {
+             runner.lookup.access = [](const std::string&) {
+                 return AccessDecision{UnreadableReason::needsFullDiskAccess};
+             };
+         }},
+        {RunSkipReason::rootProblem,
          {"The folder was replaced. Preview it again."},
          [&] {
              std::filesystem::rename(home / "cache", home / "before");
@@ -110,7 +95,7 @@ TEST_F(CleanupRunnerTest, skipsAnAutomaticRunForTheFirstReasonThereIs) {
         tested->change();
         expectSkipped(run(RunTrigger::schedule), tested->reason, tested->messages);
     }
-    EXPECT_THAT(log.recent(10), SizeIs(5)) << "a skipped run is recorded as well";
+    EXPECT_THAT(log.recent(10), SizeIs(6)) << "a skipped run is recorded as well";
 }
 
 TEST_F(CleanupRunnerTest, runsAPreviewOnlyWhileItHolds) {
@@ -118,11 +103,15 @@ TEST_F(CleanupRunnerTest, runsAPreviewOnlyWhileItHolds) {
     CleanupPlan ofAnother = seen;
     ofAnother.ruleID = Uuid::random();
     expectSkipped(run(ofAnother), RunSkipReason::previewOutdated, {"This preview belongs to another rule."});
-    now = seen.createdAt - 1s;
-    expectSkipped(run(seen), RunSkipReason::previewExpired,
-                  {"This preview is dated ahead of the Mac's clock. Preview the rule again."});
-    now = seen.createdAt + 901s;
-    expectSkipped(run(seen), RunSkipReason::previewExpired);
+    for (const std::chrono::seconds jump : {std::chrono::seconds(-1), std::chrono::seconds(days(-365))}) {
+        now = seen.createdAt + jump;
+        expectSkipped(run(seen), RunSkipReason::previewExpired,
+                      {"This preview is dated ahead of the Mac's clock. Preview the rule again."});
+    }
+    for (const std::chrono::seconds jump : {std::chrono::seconds(901), std::chrono::seconds(days(3650))}) {
+        now = seen.createdAt + jump;
+        expectSkipped(run(seen), RunSkipReason::previewExpired);
+    }
     now = seen.createdAt + 900s;
     rule.filter.minSizeBytes = 1;
     expectSkipped(run(seen), RunSkipReason::previewOutdated);
@@ -132,23 +121,6 @@ TEST_F(CleanupRunnerTest, runsAPreviewOnlyWhileItHolds) {
     live.update({{rule.id, rule}}, true);
     rule.approval.reset();
     EXPECT_EQ(run(seen).status, RunStatus::finished) << "the user saw it: neither a pause nor an approval counts";
-}
-
-TEST_F(CleanupRunnerTest, removesNothingWithoutTheLockOrTheLog) {
-    const CleanupPlan seen = plan(rule).value();
-    const auto whileHeld = lock.withLock(Uuid::random(), [&] { return run(seen); });
-    expectSkipped(whileHeld.value(), RunSkipReason::anotherRunActive);
-    std::filesystem::remove(home / "run.lock");
-    home.makeFolder("run.lock");
-    expectSkipped(run(seen), RunSkipReason::lockUnavailable, {"Vostrel could not open its run lock (Is a directory)"});
-    std::filesystem::remove(home / "run.lock");
-
-    CleanLog::IO failing = CleanLog::IO::system();
-    failing.appendLine = [](std::string_view, const std::filesystem::path& file) {
-        return std::unexpected(SystemError{ENOSPC, "write", file});
-    };
-    log = CleanLog(home / "Log", failing);
-    expectSkipped(run(seen), RunSkipReason::logUnavailable);
 }
 
 TEST_F(CleanupRunnerTest, saysOfTheRunWhatItCouldNotMeasureOrRecordAndWhyItStopped) {
@@ -167,6 +139,49 @@ TEST_F(CleanupRunnerTest, saysOfTheRunWhatItCouldNotMeasureOrRecordAndWhyItStopp
     EXPECT_THAT(report.messages, ElementsAre("Vostrel could not measure free space, so the freed amount is unknown.",
                                              "Stopped because the rule changed.", "The log could not be written."));
     EXPECT_THAT(home.names("cache"), SizeIs(1));
+}
+
+TEST_F(CleanupRunnerTest, stopsInTheMiddleOfADeletionWhenThePresentChanges) {
+    constexpr int files = 100;
+    struct Case {
+        const char* sentence;
+        std::function<void()> change;
+    };
+    const auto edit = [&](const std::function<void(Rule&)>& change) {
+        Rule edited = rule;
+        change(edited);
+        live.update({{rule.id, edited}}, false);
+    };
+    const std::vector<Case> cases{
+        {"Stopped because the rule changed.", [&] { edit([](Rule& changed) { changed.filter.minAgeDays = 3; }); }},
+        {"Stopped because the rule changed.", [&] { edit([](Rule& changed) { changed.enabled = false; }); }},
+        {"Stopped because the rule changed.", [&] { live.update({}, false); }},
+        {"Stopped because automatic cleaning was paused.", [&] { live.update({{rule.id, rule}}, true); }},
+        {"Stopped because Xcode opened.", [&] { apps.running = {"com.apple.dt.Xcode"}; }},
+        {"Stopped before it finished.", [&] { control.cancel(); }},
+    };
+    executor.appCheckInterval = {};
+    std::filesystem::remove(home / "cache/file");
+    for (const Case& tested : cases) {
+        for (int each = 0; each < files; ++each)
+            home.makeFile("cache/a/" + std::to_string(each));
+        live.update({{rule.id, rule}}, false);
+        apps.running.clear();
+        int asked = 0;
+        present.currentRule = [&] {
+            if (++asked == files / 2) tested.change();
+            return live.rule(rule.id);
+        };
+        const auto report = run(RunTrigger::schedule);
+        EXPECT_EQ(report.status, RunStatus::stopped);
+        EXPECT_THAT(report.messages, ElementsAre(tested.sentence));
+        ASSERT_EQ(report.outcomes.size(), 1U);
+        const auto left = std::ssize(home.names("cache/a"));
+        EXPECT_GT(left, 0);
+        EXPECT_EQ(report.outcomes[0].removedFiles, files - left);
+        EXPECT_EQ(report.outcomes[0].message, "Vostrel deleted " + std::to_string(files - left) +
+                                                  " files from it, but the run was stopped. The rest is still there.");
+    }
 }
 
 TEST_F(CleanupRunnerTest, movesChosenItemsToTheTrashThroughTheSameChecks) {

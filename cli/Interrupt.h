@@ -11,6 +11,8 @@ public:
 
     static void listen();
     [[nodiscard]] static bool requested();
+    /// Whoever sleeps until something happens polls this descriptor too: it is readable once a stop was asked for.
+    [[nodiscard]] static int descriptor();
 };
 
 }  // namespace vostrel::cli

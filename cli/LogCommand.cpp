@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <limits>
 #include <memory>
 
@@ -19,13 +20,43 @@ namespace {
 constexpr std::size_t usualLimit = 20;
 constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
 
+/// Runs of the log, and the one that is being carried out.
+struct ListedRuns {
+    std::vector<RunReport> runs;
+    std::optional<Uuid> inHand;
+};
+
+/// A run may begin or end while the log is read. One that has no end is told as interrupted only when the log stood
+/// still around the question whether it is in hand.
+ListedRuns listedRuns(const Session& session, std::size_t limit) {
+    constexpr int enoughAttempts = 100;
+    ListedRuns listed{session.log.recent(limit), {}};
+    for (int attempt = 0; attempt < enoughAttempts; ++attempt) {
+        const bool allEnded =
+            std::ranges::none_of(listed.runs, [](const RunReport& run) { return run.status == RunStatus::started; });
+        if (allEnded) break;
+        listed.inHand = session.runLock.runInHand();
+        auto again = session.log.recent(limit);
+        if (again == listed.runs) break;
+        listed.runs = std::move(again);
+    }
+    return listed;
+}
+
 CommandResult listRuns(Session& session, std::size_t limit) {
-    const auto runs = session.log.recent(limit);
-    showRuns(session.output, runs, session.runLock.runInHand());
+    const auto [runs, inHand] = listedRuns(session, limit);
+    const auto unreadable = session.log.unreadable();
+    if (!runs.empty() || unreadable.empty()) showRuns(session.output, runs, inHand);
     JSONArray documents;
     for (const RunReport& run : runs)
         documents.push_back(summaryDocumentOf(run));
-    return session.output.document(JSONObject{{"runs", std::move(documents)}});
+    if (auto shown = session.output.document(JSONObject{{"runs", std::move(documents)}}); !shown) return shown;
+    if (unreadable.empty()) return {};
+    Failure failure;
+    failure.document = Failure::Document::written;
+    for (const auto& path : unreadable)
+        failure.sentences.push_back("The log cannot be read: " + session.guards.displayPath(path));
+    return std::unexpected(std::move(failure));
 }
 
 std::unexpected<Failure> ambiguous(std::string_view wanted, const std::vector<RunReport>& found) {
@@ -37,8 +68,7 @@ std::unexpected<Failure> ambiguous(std::string_view wanted, const std::vector<Ru
 }
 
 /// The run of that id, or the only one whose id begins so.
-std::expected<RunReport, Failure> findRun(const CleanLog& log, std::string_view wanted) {
-    auto found = log.recent(all);
+std::expected<RunReport, Failure> findRun(std::vector<RunReport> found, std::string_view wanted) {
     std::erase_if(found, [key = folded(wanted)](const RunReport& run) {
         return key.empty() || !folded(run.id.text()).starts_with(key);
     });
@@ -48,10 +78,11 @@ std::expected<RunReport, Failure> findRun(const CleanLog& log, std::string_view 
 }
 
 CommandResult showOneRun(Session& session, const std::string& wanted) {
-    auto found = findRun(session.log, wanted);
+    const auto [runs, inHand] = listedRuns(session, all);
+    auto found = findRun(runs, wanted);
     if (!found) return std::unexpected(std::move(found.error()));
     const RunReport run = session.log.withLists(std::move(*found));
-    showRun(session.output, session.guards, run, session.runLock.runInHand());
+    showRun(session.output, session.guards, run, inHand);
     return session.output.document(encodeJSON(run));
 }
 
@@ -72,7 +103,7 @@ void addLogCommand(CLI::App& app, Command& chosen) {
                     ->require_subcommand(0, 1);
     const auto limit = std::make_shared<std::size_t>(usualLimit);
     addParsed(
-        *log, "--limit", "N", parseCount, [limit](int number) { *limit = static_cast<std::size_t>(number); },
+        *log, "--limit", "N", parseCountFromOne, [limit](int number) { *limit = static_cast<std::size_t>(number); },
         "How many runs (default: 20)");
     log->callback([&chosen, log, limit] {
         if (!log->get_subcommands().empty()) return;

@@ -26,4 +26,11 @@ CLI::Option* addParsed(CLI::App& command, const std::string& name, const std::st
         ->allow_extra_args(false);
 }
 
+/// Lets an option take several values, up to the next option.
+inline CLI::Option* takesMany(CLI::Option* option) {
+    // From some number on the parser would split an argument like "[a-c]" at its commas.
+    constexpr int manyValues = 1'000'000;
+    return option->expected(1, manyValues)->allow_extra_args(false);
+}
+
 }  // namespace vostrel::cli

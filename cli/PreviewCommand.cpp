@@ -4,8 +4,7 @@
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
 #include "cli/PlanDisplay.h"
-#include "cli/PlanProgressLine.h"
-#include "cli/RuleSearch.h"
+#include "cli/RulePreview.h"
 #include "cli/Session.h"
 
 namespace vostrel::cli {
@@ -40,30 +39,25 @@ const char* approvalMeaning(const Rule& rule) {
 }
 
 CommandResult preview(Session& session, const GlobalOptions& options, const PreviewOptions& wanted) {
-    const auto book = session.rules.load();
-    if (!book) return std::unexpected(book.error());
-    const auto found = findRule(*book, wanted.rule);
-    if (!found) return std::unexpected(found.error());
-    const Rule& rule = **found;
+    const auto shown = previewRule(session, options, wanted.rule);
+    if (!shown) return std::unexpected(shown.error());
+    const auto& [rule, plan] = *shown;
 
-    const auto plan = planWithProgress(session, options, rule);
-    if (!plan) return failed(plan.error().sentence);
-    session.output.line({{rule.name, Style::bold}});
-    showPlan(session.output, session.guards, *plan);
-    if (Interrupt::requested()) return failed(Interrupt::sentence);
-
-    const bool wasApproved = rule.approval == rule.approvalKey(plan->rootIdentities(), session.catalog);
+    const bool wasApproved = rule.approval == rule.approvalKey(plan.rootIdentities(), session.catalog);
     if (wanted.approves) {
-        if (auto approved = approve(session, rule, *plan); !approved) return approved;
+        if (auto approved = approve(session, rule, plan); !approved) return approved;
     }
     session.output.line();
     if (wanted.approves || wasApproved) {
         session.output.line({{approvalMeaning(rule), Style::good}});
+        if (rule.enabled && rule.hasUnattendedTrigger())
+            session.output.line(
+                {{"It does so while an agent runs: \"vostrel agent --install\" starts one for good.", Style::dim}});
     } else {
         session.output.line({"Not approved: the rule does nothing by itself. To approve what it would do:"});
         session.output.line({"  " + session.approvingCommand(rule)});
     }
-    return session.output.document(documentOf(*plan, wanted.approves || wasApproved));
+    return session.output.document(documentOf(plan, wanted.approves || wasApproved));
 }
 
 }  // namespace

@@ -43,15 +43,18 @@ ProgressLine::ProgressLine(const GlobalOptions& options, std::function<std::stri
 }
 
 ProgressLine::~ProgressLine() {
-    isOver = true;
+    {
+        const std::lock_guard guard(lock);
+        isOver = true;
+    }
+    ended.notify_one();  // nobody waits for the next drawing to get the result
     if (drawer.joinable()) drawer.join();
 }
 
 void ProgressLine::draw() {
     bool isDrawn = false;
-    while (true) {
-        std::this_thread::sleep_for(interval);
-        if (isOver) break;
+    std::unique_lock guard(lock);
+    while (!ended.wait_for(guard, interval, [this] { return isOver; })) {
         const std::string line = fitted(printable(describe()), terminalWidth());
         std::fprintf(stderr, "%s%s", wipe, line.c_str());
         isDrawn = true;

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <atomic>
+#include <condition_variable>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -25,7 +26,9 @@ private:
     void draw();
 
     std::function<std::string()> describe;
-    std::atomic<bool> isOver = false;
+    std::mutex lock;
+    std::condition_variable ended;
+    bool isOver = false;
     std::thread drawer;
 };
 

@@ -8,6 +8,7 @@
 
 #include "cli/Amounts.h"
 #include "cli/ChosenFiles.h"
+#include "cli/GivenPath.h"
 #include "cli/ParsedOption.h"
 #include "cli/StoredWord.h"
 #include "rules/RuleFields.h"
@@ -18,26 +19,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Below the number from which the parser would split an argument like "[a-c]" at its commas.
-constexpr int manyValues = 1'000'000;
-
-CLI::Option* takesMany(CLI::Option* option) {
-    return option->expected(1, manyValues)->allow_extra_args(false);
-}
-
 Parsed<std::string> anyText(std::string text) {
     return text;
-}
-
-/// A path as the shell's user means it: from the folder they are in, without a slash at its end.
-fs::path asGiven(const fs::path& path) {
-    if (path.empty()) return path;
-    std::error_code problem;
-    const fs::path whole = path.is_absolute() ? path : fs::current_path(problem) / path;
-    for (const fs::path& part : whole) {
-        if (part == "." || part == "..") return fs::weakly_canonical(whole, problem);
-    }
-    return !whole.has_filename() && whole.has_relative_path() ? whole.parent_path() : whole;
 }
 
 Parsed<fs::path> parsePath(std::string_view text) {

@@ -10,6 +10,14 @@ namespace vostrel::cli {
 
 namespace {
 
+std::vector<const Rule*> rulesNamed(const RuleBook& book, std::string_view wanted) {
+    std::vector<const Rule*> found;
+    for (const Rule& rule : book.rules) {
+        if (rule.name == wanted) found.push_back(&rule);
+    }
+    return found;
+}
+
 std::vector<const Rule*> candidates(const RuleBook& book, std::string_view wanted) {
     std::vector<const Rule*> found;
     const std::string key = folded(wanted);
@@ -33,6 +41,7 @@ std::expected<const Rule*, Failure> findRule(const RuleBook& book, std::string_v
     if (const auto id = Uuid::parse(wanted)) {
         if (const Rule* rule = book.rule(*id)) return rule;
     }
+    if (const auto named = rulesNamed(book, wanted); named.size() == 1) return named.front();
     const auto found = candidates(book, wanted);
     if (found.empty()) return failed(fmt::format("There is no rule \"{}\".", wanted));
     if (found.size() > 1) return ambiguous(wanted, found);

@@ -153,8 +153,7 @@ std::string triggersText(const std::vector<RuleTrigger>& triggers) {
 
 ApprovalState approvalState(const Rule& rule, const CleanupPlanner& planner) {
     if (!rule.approval) return ApprovalState::none;
-    const bool isSame = *rule.approval == rule.approvalKey(rule.approval->roots, planner.catalog);
-    if (!isSame) return ApprovalState::ruleChanged;
+    if (!rule.approvalHolds(planner.catalog)) return ApprovalState::ruleChanged;
     return planner.approvalIsStale(rule) ? ApprovalState::foldersChanged : ApprovalState::current;
 }
 

@@ -10,6 +10,7 @@
 #include "base/LocalTime.h"
 #include "base/SpaceFormat.h"
 #include "cleaning/RunFields.h"
+#include "cleaning/RunSentences.h"
 #include "cli/RuleText.h"
 
 namespace vostrel::cli {
@@ -162,6 +163,16 @@ void showRun(Output& output, const PathGuards& guards, const RunReport& run, std
         output.line();
         output.line({{"The list of its items could not be logged.", Style::warning}});
     }
+}
+
+bool isShort(const RunReport& report) {
+    return report.status != RunStatus::finished || report.itemsFailed > 0 || report.itemsPartlyDeleted > 0 ||
+           std::ranges::find(report.messages, sentences::logNotWritten) != report.messages.end();
+}
+
+std::string shortfall(const RunReport& report) {
+    const bool hasOwnSentence = report.status == RunStatus::skipped && !report.messages.empty();
+    return hasOwnSentence ? fmt::format("{}", fmt::join(report.messages, " ")) : logLine(report);
 }
 
 JSONValue summaryDocumentOf(const RunReport& run) {

@@ -19,6 +19,13 @@ void showRuns(Output& output, const std::vector<RunReport>& runs, std::optional<
 /// gone for good, what stayed and why.
 void showRun(Output& output, const PathGuards& guards, const RunReport& run, std::optional<Uuid> runInHand = {});
 
+/// A run that did not do all of what the preview showed, or whose end the log does not hold, in the terms of the exit
+/// status.
+[[nodiscard]] bool isShort(const RunReport& report);
+
+/// What there is to say of such a run: of one that was skipped for a reason with a sentence of its own, that.
+[[nodiscard]] std::string shortfall(const RunReport& report);
+
 /// A run as its JSON document in a list, without its long lists.
 [[nodiscard]] JSONValue summaryDocumentOf(const RunReport& run);
 

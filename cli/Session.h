@@ -1,8 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <utility>
 
+#include "access/FullDiskAccess.h"
 #include "cleaning/CleanLog.h"
 #include "cleaning/CleanupPlanner.h"
 #include "cleaning/RunLock.h"
@@ -16,6 +18,7 @@
 #include "monitor/SpaceMonitor.h"
 #include "rules/PresetCatalog.h"
 #include "rules/TargetResolver.h"
+#include "spacemap/SystemSpaceScanner.h"
 #include "stores/DefaultsReading.h"
 
 namespace vostrel::cli {
@@ -38,10 +41,15 @@ public:
     const StoredRules rules;
     const StoredSettings settings;
     const SystemVolumeCapacityReader capacityReader{};
+    /// Whether this process may read what macOS hides; always, where nothing is hidden.
+    const std::unique_ptr<const FullDiskAccessChecking> fullDiskAccess;
     const CleanLog log;
     const RunLock runLock;
 
     [[nodiscard]] CleanupPlanner planner() const;
+
+    /// It must not outlive the session.
+    [[nodiscard]] SystemSpaceScanner spaceScanner() const;
 
     /// Measures the volume of the home folder. It must not outlive the session.
     [[nodiscard]] SpaceMonitor monitor(const AppSettings& chosen) const;

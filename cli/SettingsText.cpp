@@ -71,7 +71,7 @@ Parsed<SettingChange> parseLevels(std::string_view text) {
 }
 
 std::string hysteresisText(const AppSettings& settings) {
-    return AmountText::format(settings.hysteresisGigabytes) + " GB";
+    return AmountText::format(clampedHysteresis(settings.hysteresisGigabytes)) + " GB";
 }
 
 Parsed<SettingChange> parseHysteresis(std::string_view text) {

@@ -1,8 +1,5 @@
 #include "cli/StateLock.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-
 #include <cerrno>
 #include <chrono>
 #include <system_error>
@@ -10,6 +7,7 @@
 
 #include "base/SystemError.h"
 #include "cli/Interrupt.h"
+#include "platform/FileLock.h"
 
 namespace vostrel::cli {
 
@@ -25,18 +23,18 @@ std::filesystem::path lockFileIn(const std::filesystem::path& dataFolder) {
     return dataFolder / "state.lock";
 }
 
-OwnedDescriptor opened(const std::filesystem::path& lockFile) {
-    return OwnedDescriptor(::open(lockFile.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+Failure failureOf(const FileLockError& error, const std::filesystem::path& path) {
+    if (error.isHeld) return failed(Interrupt::sentence).error();
+    return couldNot(error.step == FileLockError::Step::open ? "open" : "lock", path, error.code).error();
 }
 
-/// Waits until nobody else holds it.
-CommandResult lock(const OwnedDescriptor& file, const std::filesystem::path& path) {
-    while (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
-        if (errno != EWOULDBLOCK && errno != EINTR) return couldNot("lock", path, errno);
-        if (Interrupt::requested()) return failed(Interrupt::sentence);
+/// Waits until nobody else holds it, or for Ctrl-C.
+std::expected<OwnedDescriptor, FileLockError> locked(const std::filesystem::path& path) {
+    while (true) {
+        auto file = lockFile(path);
+        if (file || !file.error().isHeld || Interrupt::requested()) return file;
         std::this_thread::sleep_for(pauseBetweenTries);
     }
-    return {};
 }
 
 }  // namespace
@@ -47,22 +45,20 @@ std::expected<StateLock, Failure> StateLock::take(const std::filesystem::path& d
     if (problem) return couldNot("make the folder", dataFolder, problem.value());
 
     const auto path = lockFileIn(dataFolder);
-    OwnedDescriptor file = opened(path);
-    if (!file.isOpen()) return couldNot("open", path, errno);
-    if (auto locked = lock(file, path); !locked) return std::unexpected(std::move(locked.error()));
-    return StateLock(std::move(file));
+    auto file = locked(path);
+    if (!file) return std::unexpected(failureOf(file.error(), path));
+    return StateLock(*std::move(file));
 }
 
 std::expected<std::optional<StateLock>, Failure> StateLock::takeToRead(const std::filesystem::path& dataFolder) {
     const auto path = lockFileIn(dataFolder);
-    OwnedDescriptor file = opened(path);
-    if (!file.isOpen()) {
-        const bool canDoWithout = errno == ENOENT || errno == EROFS || errno == EACCES;
-        if (!canDoWithout) return couldNot("open", path, errno);
-        return std::optional<StateLock>();
-    }
-    if (auto locked = lock(file, path); !locked) return std::unexpected(std::move(locked.error()));
-    return std::optional(StateLock(std::move(file)));
+    auto file = locked(path);
+    if (file) return std::optional(StateLock(*std::move(file)));
+    const int code = file.error().code;
+    const bool canDoWithout =
+        file.error().step == FileLockError::Step::open && (code == ENOENT || code == EROFS || code == EACCES);
+    if (canDoWithout) return std::optional<StateLock>();
+    return std::unexpected(failureOf(file.error(), path));
 }
 
 }  // namespace vostrel::cli

@@ -15,6 +15,12 @@ std::expected<RuleBook, Failure> StoredRules::load() const {
     return loaded(*lock ? DamagedFile::movesAside : DamagedFile::stays);
 }
 
+std::optional<RuleBook> StoredRules::asItIs() const {
+    auto loaded = store.load(clock(), DamagedFile::stays);
+    if (loaded.notRead) return std::nullopt;
+    return std::move(loaded.value);
+}
+
 CommandResult StoredRules::change(const std::function<CommandResult(RuleBook&)>& change) const {
     const auto lock = StateLock::take(folder);
     if (!lock) return std::unexpected(lock.error());

@@ -3,6 +3,7 @@
 #include <expected>
 #include <filesystem>
 #include <functional>
+#include <optional>
 
 #include "base/Date.h"
 #include "cli/CommandResult.h"
@@ -21,6 +22,10 @@ public:
     StoredRules(std::filesystem::path data, Clock present, Output& messages);
 
     [[nodiscard]] std::expected<RuleBook, Failure> load() const;
+
+    /// The book as it lies there, for work that goes on meanwhile: waits for nobody, and leaves a damaged file, which
+    /// is an empty book, to the next program. Nothing when the system had no means to read it.
+    [[nodiscard]] std::optional<RuleBook> asItIs() const;
 
     /// Loads the book, lets `change` work on it and saves it, all of it while no other program can. Nothing is saved
     /// when `change` fails.

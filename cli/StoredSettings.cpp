@@ -25,6 +25,11 @@ std::expected<SettingsKeeper, Failure> StoredSettings::load() const {
     return loaded(*lock ? DamagedFile::movesAside : DamagedFile::stays);
 }
 
+std::optional<SettingsKeeper> StoredSettings::asItIs() const {
+    const auto loaded = store.load(clock(), DamagedFile::stays);
+    return loaded.notRead ? std::nullopt : std::optional(SettingsKeeper(loaded));
+}
+
 CommandResult StoredSettings::update(const SettingsKeeper::Change& change) const {
     const auto lock = StateLock::take(folder);
     if (!lock) return std::unexpected(lock.error());
@@ -40,7 +45,9 @@ CommandResult StoredSettings::update(const SettingsKeeper::Change& change) const
     };
     using enum SettingsKeeper::Update;
     const auto result = keeper->update(change, save);
-    if (result == unchanged || result == saved) return {};
+    // What could not be read of the file is settled by what stands in for it.
+    const bool isSettled = result == unchanged && (keeper->trusted() || save(keeper->settings()));
+    if (isSettled || result == saved) return {};
     Failure failure{.sentences = {problem}};
     if (result == notSavedStillPaused) failure.sentences.emplace_back("Automatic cleaning stays paused.");
     return std::unexpected(std::move(failure));

@@ -2,6 +2,7 @@
 
 #include <expected>
 #include <filesystem>
+#include <optional>
 
 #include "base/Date.h"
 #include "cli/CommandResult.h"
@@ -20,6 +21,10 @@ public:
     StoredSettings(std::filesystem::path data, Clock present, Output& messages);
 
     [[nodiscard]] std::expected<SettingsKeeper, Failure> load() const;
+
+    /// The settings as they lie there, for work that goes on meanwhile: waits for nobody, and leaves a damaged file,
+    /// which pauses everything, to the next program. Nothing when the system had no means to read it.
+    [[nodiscard]] std::optional<SettingsKeeper> asItIs() const;
 
     /// Loads the settings, changes and saves them, all of it while no other program can.
     [[nodiscard]] CommandResult update(const SettingsKeeper::Change& change) const;

@@ -11,6 +11,7 @@
 #include "cli/CommandLine.h"
 #include "cli/Interrupt.h"
 #include "cli/Program.h"
+#include "probes/SystemProcessRunner.h"
 
 namespace vostrel::cli {
 namespace {
@@ -38,7 +39,9 @@ ExitStatus finish(Output& output, const CommandResult& result) {
 ExitStatus run(const Request& request) {
     Interrupt::listen();
     Program program(request.options);
-    return finish(program.output, request.command(program));
+    const CommandResult result = request.command(program);
+    SystemProcessRunner::killAll();
+    return finish(program.output, result);
 }
 
 ExitStatus answer(const Answer& answer) {
@@ -62,6 +65,8 @@ int main(int count, char** arguments) {
     // sentence, and after the second a command still clears away what it made for itself.
     ::signal(SIGXFSZ, SIG_IGN);
     ::signal(SIGPIPE, SIG_IGN);
+    // Whoever started the program may have it ignored: then nobody would hear how a child ended.
+    ::signal(SIGCHLD, SIG_DFL);
     try {
         return static_cast<int>(vostrel::visit(
             readCommandLine(count, arguments), [](const Request& request) { return run(request); },

@@ -82,26 +82,14 @@ class IncludesTest(unittest.TestCase):
         floors = read_floors("base : # the lowest\nplatform : base\nstores : base platform\ncli : base stores\n")
         breaches = [
             ("core/base/A.h", '#include "stores/B.h"'),
-            ("core/stores/A.cpp", '#include "B.h"'),
-            ("core/stores/A.cpp", '#  include "attic/B.h"'),
-            ("core/attic/A.cpp", ""),
             ("cli/A.cpp", '#include "platform/B.h"'),
             ("core/stores/A.cpp", "#ifdef __APPLE__"),
-            ("core/stores/A.cpp", "# if defined(__linux__)"),
             ("core/stores/A.cpp", "#include <sys/syscall.h>"),
             ("core/platform/A.h", "#include <CoreFoundation/CoreFoundation.h>"),
             ("core/stores/A.cpp", '#include "platform/linux/B.h"'),
         ]
         for path, text in breaches:
             self.assertEqual(len(problems_of(path, text, floors)), 1, (path, text))
-        sound = [
-            ("core/stores/A.cpp", '#pragma once\n#include "base/B.h"\n#include "stores/C.h"\n#include <unistd.h>'),
-            ("core/platform/linux/A.cpp", "#ifdef RWF_DONTCACHE\n#include <linux/fs.h>"),
-        ]
-        for path, text in sound:
-            self.assertEqual(problems_of(path, text, floors), [], (path, text))
-        with self.assertRaises(ValueError):
-            read_floors("base : stores\nstores : base\n")
 
 
 if __name__ == "__main__":

@@ -15,6 +15,10 @@ import tempfile
 import unittest
 
 PROGRAM = os.environ["VOSTREL_PROGRAM"]
+ROUNDS = int(os.environ.get("VOSTREL_ROUNDS", "1"))
+LATER = 40
+# Stands before the system's calls and ends the program when it removes or renames anything outside the test's folder.
+CALLS = os.environ.get("VOSTREL_TEST_CALLS", "")
 
 
 @dataclasses.dataclass
@@ -50,12 +54,29 @@ class ProgramTest(unittest.TestCase):
 
     def run_program(self, *arguments, days_ahead=None, **options):
         command = [PROGRAM, "--home", self.home, *arguments]
-        environment = {key: value for key, value in os.environ.items() if not key.startswith("XDG_")}
-        environment |= options.pop("environment", {})
-        if days_ahead is not None:
-            environment |= clock_ahead(days_ahead)
+        environment = self.surroundings(days_ahead) | options.pop("environment", {})
         finished = subprocess.run(command, capture_output=True, text=True, env=environment, check=False, **options)
         return Result(finished.returncode, finished.stdout, finished.stderr)
+
+    def start(self, *arguments, days_ahead=None, environment=None, **options):
+        """The program at work, to be disturbed."""
+        return subprocess.Popen([PROGRAM, "--home", self.home, *arguments], text=True,
+                                env=self.surroundings(days_ahead) | (environment or {}),
+                                **{"stdout": subprocess.PIPE, "stderr": subprocess.PIPE} | options)
+
+    def surroundings(self, days_ahead=None):
+        """What the program is started in: a guarded one, and perhaps one with its clock so many days ahead. Without
+        faketime's own wrapper, which would get the signals meant for the program, and shares memory under names that a
+        killed one leaves behind."""
+        environment = {key: value for key, value in os.environ.items() if not key.startswith("XDG_")}
+        preloaded = [CALLS] if CALLS else []
+        if days_ahead is not None:
+            preloaded.append("/usr/$LIB/faketime/libfaketime.so.1")
+            environment |= {"FAKETIME": f"+{days_ahead}d", "NO_FAKE_STAT": "1"}
+        # The sanitizer wants to come first of what is preloaded, and nothing it checks depends on that here.
+        options = os.environ.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0"
+        return environment | {"LD_PRELOAD": " ".join(preloaded), "ASAN_OPTIONS": options,
+                              "VOSTREL_TEST_FOLDER": str(self.folder)}
 
     def succeed(self, *arguments, **options):
         result = self.run_program(*arguments, **options)
@@ -78,7 +99,7 @@ class ProgramTest(unittest.TestCase):
         """What the program writes when standard output and standard error are one terminal."""
         ours, theirs = pty.openpty()
         subprocess.run([PROGRAM, "--home", self.home, *arguments], stdout=theirs, stderr=theirs, check=False,
-                       env=os.environ | {"TERM": "xterm"} | (environment or {}))
+                       env=self.surroundings() | {"TERM": "xterm"} | (environment or {}))
         os.close(theirs)
         written = b""
         with contextlib.suppress(OSError):  # as Linux says that nobody writes any more
@@ -90,16 +111,15 @@ class ProgramTest(unittest.TestCase):
     def add(self, name, *options):
         return self.document("rule", "add", name, "--folder", self.downloads, *options)
 
+    def make_many(self, files):
+        """A wide folder in the downloads, of fifty folders with these files."""
+        for number in range(files):
+            if number < 50:
+                (self.downloads / f"many/{number}").mkdir(parents=True, exist_ok=True)
+            (self.downloads / f"many/{number % 50}/{number}").write_bytes(b"x")
+
     def rules_file(self):
         return json.loads((self.data / "rules.json").read_text())
-
-
-def clock_ahead(days):
-    """What a program's environment wants for a clock so many days ahead. Without faketime's own wrapper, which would get
-    the signals meant for the program, and shares memory under names that a killed one leaves behind."""
-    return {"LD_PRELOAD": "/usr/$LIB/faketime/libfaketime.so.1", "FAKETIME": f"+{days}d", "NO_FAKE_STAT": "1",
-            # The sanitizer wants to come first of what is preloaded, and nothing it checks depends on that here.
-            "ASAN_OPTIONS": os.environ.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0"}
 
 
 def tree_of(folder):

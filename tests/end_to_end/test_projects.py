@@ -2,9 +2,7 @@ import os
 import pathlib
 import unittest
 
-from driver import ProgramTest, tree_of
-
-LATER = 40
+from driver import LATER, ProgramTest, tree_of
 
 
 class ProjectsTest(ProgramTest):

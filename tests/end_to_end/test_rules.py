@@ -1,7 +1,5 @@
 import concurrent.futures
-import datetime
 import json
-import resource
 import subprocess
 import unittest
 
@@ -147,32 +145,6 @@ class RulesTest(ProgramTest):
         (notice,) = result.err.splitlines()
         self.assertIn(aside.name, notice)
         self.succeed("rule", "list")
-
-    def test_nothing_is_saved_over_a_damaged_rule_book_that_could_not_be_moved(self):
-        self.write_rules("damaged")
-        now = datetime.datetime.now(datetime.timezone.utc)
-        for second in range(60):
-            stem = (now + datetime.timedelta(seconds=second)).strftime("rules.corrupt-%Y%m%d-%H%M%S")
-            for suffix in ["", *(f"-{n}" for n in range(1, 100))]:
-                (self.data / f"{stem}{suffix}.json").touch()
-        for arguments in (("rule", "list"), ("rule", "add", "A", "--folder", self.downloads)):
-            (sentence,) = self.refuse(*arguments)
-            self.assertIn("is damaged and could not be moved aside", sentence)
-        self.assertEqual((self.data / "rules.json").read_text(), "damaged")
-
-    def test_a_rule_book_that_cannot_be_written_stays_whole(self):
-        self.add("First")
-        before = (self.data / "rules.json").read_bytes()
-        (sentence,) = self.refuse("rule", "add", "Second", "--folder", self.downloads,
-                                  preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (0, 0)))
-        self.assertIn("The rules were not saved", sentence)
-        self.assertEqual((self.data / "rules.json").read_bytes(), before)
-
-    def test_what_a_killed_program_left_goes_with_the_next_save(self):
-        self.data.mkdir(parents=True)
-        (self.data / ".rules.json.0F1E2D3C-4B5A-6978-8796-A5B4C3D2E1F0.tmp").touch()
-        self.add("First")
-        self.assertCountEqual([path.name for path in self.data.iterdir()], ["rules.json", "state.lock"])
 
     @unittest.skipUnless(subprocess.run(["sh", "-c", "unshare -rm true"], check=False, capture_output=True).returncode
                          == 0, "wants mounts of its own")

@@ -15,13 +15,18 @@ struct GitIndexBytes {
     /// Of every entry.
     std::uint32_t mode = 0100644;
     std::uint32_t flags = 0;
+    std::uint32_t modifiedSeconds = 7;
+    std::uint32_t modifiedNanoseconds = 7;
+    std::uint32_t length = 7;
     std::string extensions{};
 
     [[nodiscard]] std::string naming(const std::vector<std::string>& names) const {
         std::string index = "DIRC" + number(version, 4) + number(static_cast<std::uint32_t>(names.size()), 4);
         std::string_view last;
         for (const std::string& name : names) {
-            std::string entry = std::string(24, 't') + number(mode, 4) + std::string(12 + idLength, 'i');
+            std::string entry = std::string(8, 't') + number(modifiedSeconds, 4) + number(modifiedNanoseconds, 4);
+            entry += std::string(8, 'd') + number(mode, 4) + std::string(8, 'o') + number(length, 4);
+            entry += std::string(idLength, 'i');
             entry += number(flags | static_cast<std::uint32_t>(std::min<std::size_t>(name.size(), 0xFFF)), 2);
             if ((flags & 0x4000) != 0) entry += std::string(2, '\0');
             if (version == 4) {

@@ -1,4 +1,4 @@
-#include "cli/PlanProgressLine.h"
+#include "cli/RulePreview.h"
 
 #include <fmt/format.h>
 
@@ -6,12 +6,15 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "base/ProgressBox.h"
 #include "base/SpaceFormat.h"
 #include "cleaning/CleanupPlanner.h"
 #include "cli/Interrupt.h"
+#include "cli/PlanDisplay.h"
 #include "cli/ProgressLine.h"
+#include "cli/RuleSearch.h"
 
 namespace vostrel::cli {
 
@@ -38,6 +41,22 @@ std::expected<CleanupPlan, PlanError> planWithProgress(Session& session, const G
         return described(progress->get(), session.guards, std::chrono::steady_clock::now() - begun);
     });
     return planner.plan(rule, session.clock(), &Interrupt::requested);
+}
+
+std::expected<RulePreview, Failure> previewRule(Session& session, const GlobalOptions& options,
+                                                std::string_view wanted) {
+    const auto book = session.rules.load();
+    if (!book) return std::unexpected(book.error());
+    const auto found = findRule(*book, wanted);
+    if (!found) return std::unexpected(found.error());
+    const Rule& rule = **found;
+
+    auto plan = planWithProgress(session, options, rule);
+    if (!plan) return failed(plan.error().sentence);
+    session.output.line({{rule.name, Output::Style::bold}});
+    showPlan(session.output, session.guards, *plan);
+    if (Interrupt::requested()) return failed(Interrupt::sentence);
+    return RulePreview{rule, *std::move(plan)};
 }
 
 }  // namespace vostrel::cli

@@ -35,5 +35,11 @@ foreach(line IN LISTS VOSTREL_FLOOR_LINES)
   list(APPEND VOSTREL_FLOORS vostrel_${floor})
 endforeach()
 
-target_link_libraries(vostrel_base PUBLIC fmt::fmt-header-only Threads::Threads PRIVATE PkgConfig::utf8proc)
+target_link_libraries(vostrel_base PUBLIC fmt::fmt-header-only Threads::Threads PRIVATE PkgConfig::utf8proc date::date-tz)
 target_link_libraries(vostrel_stores PRIVATE simdjson::simdjson)
+if(TARGET PkgConfig::libplist)
+  target_link_libraries(vostrel_platform PRIVATE PkgConfig::libplist)
+endif()
+
+include(VostrelTexts)
+vostrel_embed_text(vostrel_spacemap "${PROJECT_SOURCE_DIR}/core/spacemap/SpacePage.html" spacePageTemplate)

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "rules/ArtifactFiles.h"
+#include "rules/PersonalNames.h"
 
 namespace vostrel {
 
@@ -54,7 +55,7 @@ std::vector<Row> rows() {
     return {
         // Every package must stand in the manager's own list as well.
         {.kind = ArtifactKind::nodeModules,
-         .semanticsRevision = 3,
+         .semanticsRevision = 4,
          .title = "Node packages",
          .markers = files({"package.json"}),
          .signatures =
@@ -62,7 +63,7 @@ std::vector<Row> rows() {
               {"Yarn",
                {},
                {Signature::file(".yarn-integrity"), Signature::file(".yarn-state.yml")},
-               joined({nodePackages(), {".yarn-integrity", ".yarn-state.yml"}})},
+               joined({nodePackages(), {".yarn-integrity", ".yarn-state.yml", ".package-map.json"}})},
               {"pnpm",
                {},
                {Signature::file(".modules.yaml")},
@@ -72,14 +73,17 @@ std::vector<Row> rows() {
          .neverHolds = documents},
 
         {.kind = ArtifactKind::nextBuild,
-         .semanticsRevision = 3,
+         .semanticsRevision = 4,
          .title = "Next.js build",
          .markers = files({"package.json"}),
          .signatures = {{"Next.js",
                          {},
                          {Signature::allOf({Signature::file("BUILD_ID"), Signature::file("build-manifest.json")}),
                           Signature::allOf({Signature::file("build-manifest.json"), Signature::folder("server"),
-                                            Signature::folder("static")})},
+                                            Signature::folder("static")}),
+                          Signature::inside(
+                              "dev", Signature::allOf({Signature::file("build-manifest.json"),
+                                                       Signature::folder("server"), Signature::folder("static")}))},
                          nextFiles()}},
          .neverHolds = joined({belongings, writings})},
 
@@ -97,6 +101,7 @@ std::vector<Row> rows() {
 
         // Its config.json and the like are settings; a folder with one stays. Logs alone are no proof.
         {.kind = ArtifactKind::turboCache,
+         .semanticsRevision = 2,
          .title = "Turborepo cache",
          .markers = files({"turbo.json", "package.json"}),
          .signatures = {{"Turborepo",
@@ -104,7 +109,8 @@ std::vector<Row> rows() {
                          {Signature::inside("cache", Signature::fileMatching(digits(16) + ".tar.zst"))},
                          {"turbo-build.log", "turbo-dev.log", "turbo-lint.log", "turbo-test.log",
                           "cache/" + digits(16) + ".tar.zst", "cache/" + digits(16) + "-meta.json",
-                          "cookies/[0-9]*.cookie", "daemon/" + digits(16) + "-turbo.log.*"}}},
+                          "cache/" + digits(16) + "-manifest.json", "cookies/WORD.cookie",
+                          "daemon/" + digits(16) + "-turbo.log.*"}}},
          .neverHolds = documents},
 
         {.kind = ArtifactKind::parcelCache,
@@ -118,10 +124,10 @@ std::vector<Row> rows() {
                           digits(16) + "-RequestGraph-[0-9]", digits(16) + "-AssetGraph", digits(16) + "-BundleGraph",
                           digits(16) + "-RequestGraph"}}}},
 
-        // None of these is sure to empty the folder before it fills it, and a project's own public files are copied
-        // there, so only what lies in exactly the layout of a bundle is one.
+        // None of these is sure to empty the folder before it fills it, so only what lies in exactly the layout of a
+        // bundle is one, beside copies of the project's own public files.
         {.kind = ArtifactKind::dist,
-         .semanticsRevision = 3,
+         .semanticsRevision = 4,
          .title = "Web bundle",
          .markers = {Marker::fileMatching("vite.config.*"), Marker::file("angular.json"),
                      Marker::fileMatching("astro.config.*")},
@@ -130,25 +136,26 @@ std::vector<Row> rows() {
                Marker::fileMatching("vite.config.*"),
                {Signature::allOf({Signature::file("index.html"),
                                   Signature::inside("assets", Signature::fileMatching("index-????????.js"))})},
-               joined({{"index.html", "vite.svg", ".vite/manifest.json"}, below({"assets"}, hashedBundles)})},
+               joined({{"index.html", ".vite/manifest.json"}, below({"assets"}, hashedBundles())})},
               {"Angular",
                Marker::file("angular.json"),
                {Signature::inside(
                    "*", Signature::allOf({Signature::file("3rdpartylicenses.txt"),
                                           Signature::inside("browser", Signature::fileMatching("main-????????.js"))}))},
                joined({below({"*"}, {"3rdpartylicenses.txt", "prerendered-routes.json", "browser/index.html",
-                                     "browser/index.csr.html", "browser/favicon.ico"}),
-                       below({"*/browser"}, hashedBundles)})},
+                                     "browser/index.csr.html"}),
+                       below({"*/browser"}, hashedBundles())})},
               {"Astro",
                Marker::fileMatching("astro.config.*"),
                {Signature::allOf({Signature::file("index.html"),
                                   Signature::inside("_astro",
                                                     Signature::anyOf({Signature::fileMatching("*.????????.css"),
                                                                       Signature::fileMatching("*.????????.js")}))})},
-               {"index.html", "404.html", "_astro/*.HASH.css", "_astro/*.HASH.js"}}}},
+               {"index.html", "404.html", "_astro/*.HASH.css", "_astro/*.HASH.js"}}},
+         .neverHolds = documents},
 
         {.kind = ArtifactKind::target,
-         .semanticsRevision = 3,
+         .semanticsRevision = 4,
          .title = "Cargo or Maven build",
          .markers = files({"Cargo.toml", "pom.xml"}),
          .signatures = {{"Cargo",
@@ -179,7 +186,7 @@ std::vector<Row> rows() {
 
         // Every pod must stand in the manifest as well.
         {.kind = ArtifactKind::pods,
-         .semanticsRevision = 3,
+         .semanticsRevision = 4,
          .title = "CocoaPods pods",
          .markers = files({"Podfile"}),
          .signatures = {{"CocoaPods",
@@ -190,7 +197,7 @@ std::vector<Row> rows() {
          .neverHolds = joined({documents, secrets})},
 
         {.kind = ArtifactKind::gradleBuild,
-         .semanticsRevision = 3,
+         .semanticsRevision = 4,
          .title = "Gradle build",
          .markers = files(gradleScripts),
          .signatures = {{"Gradle",
@@ -228,6 +235,7 @@ std::vector<Row> rows() {
                           "*.cpython-3[0-9][0-9]-pytest-[0-9].[0-9].[0-9].pyc"}}}},
 
         {.kind = ArtifactKind::pytestCache,
+         .semanticsRevision = 2,
          .title = "pytest cache",
          .markers = pythonFiles(),
          .signatures = {{"pytest",
@@ -239,7 +247,7 @@ std::vector<Row> rows() {
 
         // Everything else in it must stand in the list of an installed package.
         {.kind = ArtifactKind::venv,
-         .semanticsRevision = 2,
+         .semanticsRevision = 3,
          .title = "Python environment",
          .markers = files(pythonProjectFiles()),
          .signatures = {{"Python",

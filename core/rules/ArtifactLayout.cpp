@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <optional>
 #include <utility>
 
@@ -23,59 +22,27 @@ constexpr std::string_view listExtension = ".d";
 constexpr std::array<std::string_view, 3> productFolders{".product", ".swiftmodule", ".dSYM"};
 constexpr std::string_view pluginState = "-state.json";
 
-std::size_t countOf(std::string_view text, int (*isOne)(int)) {
-    const auto* end =
-        std::ranges::find_if(text, [&](char each) { return isOne(static_cast<unsigned char>(each)) == 0; });
-    return static_cast<std::size_t>(end - text.begin());
+bool isDigit(char each) {
+    return each >= '0' && each <= '9';
 }
 
-/// Whether people write that: a letter, a version, or words and numbers one after the other ("2024Jan", "homePage2").
-bool isOfWords(std::string_view text) {
-    const auto start = countOf(text, ::isalpha);
-    // "p5sketch", "i18nmain", and in "draft-2b" the end.
-    const auto number = countOf(text.substr(std::min<std::size_t>(start, 1)), ::isdigit);
-    const auto rest = text.substr(std::min(text.size(), std::min<std::size_t>(start, 1) + number));
-    const bool isNumberedWord = start == 1 && number > 0 && rest.size() >= 4 && countOf(rest, ::islower) == rest.size();
-    const bool isLetteredNumber = start == 0 && number > 0 && rest.size() == 1;
-    if (isNumberedWord || isLetteredNumber) return true;
-    if (text.size() == 1 || (start < text.size() && start + countOf(text.substr(start), ::isdigit) == text.size()))
-        return true;
-    while (!text.empty()) {
-        auto capitals = countOf(text, ::isupper);
-        auto lowers = countOf(text.substr(capitals), ::islower);
-        if (capitals > 1 && lowers > 0) {  // the last one begins the next word
-            --capitals;
-            lowers = 0;
-        }
-        const auto letters = capitals + lowers;
-        const auto digits = countOf(text.substr(letters), ::isdigit);
-        const bool isVersion = letters == 1 && digits > 0 && (text.front() == 'v' || text.front() == 'V');
-        const bool isWord = letters > 1 && (lowers > 0 || digits == 0);
-        if (letters > 0 && !isVersion && !isWord) return false;
-        text.remove_prefix(letters + digits);
-    }
-    return true;
-}
-
-/// Eight letters, digits, "-" or "_" that are not merely words, versions and dates.
-bool isHash(std::string_view text) {
-    const auto isSeparator = [](char each) { return each == '-' || each == '_'; };
-    bool isOfHash = false;
-    while (!text.empty()) {
-        const auto length = countOf(text, ::isalnum);
-        if (length == 0 && !isSeparator(text.front())) return false;
-        isOfHash = isOfHash || !isOfWords(text.substr(0, length));
-        text.remove_prefix(std::max<std::size_t>(length, 1));
-    }
-    return isOfHash;
+bool isCapital(char each) {
+    return each >= 'A' && each <= 'Z';
 }
 
 bool isHexadecimal(char each) {
-    return (each >= '0' && each <= '9') || (each >= 'a' && each <= 'f');
+    return isDigit(each) || (each >= 'a' && each <= 'f');
 }
 
 bool isOfWord(char each) {
-    return std::isalnum(static_cast<unsigned char>(each)) != 0 || each == '-' || each == '_';
+    return isDigit(each) || isCapital(each) || (each >= 'a' && each <= 'z') || each == '-' || each == '_';
+}
+
+/// Eight characters in base 64 or 32, one of them a capital as hardly any lacks, or in base 16 with digits and letters.
+bool isHash(std::string_view text) {
+    const bool isOfBase16 = std::ranges::all_of(text, isHexadecimal) && std::ranges::any_of(text, isDigit) &&
+                            !std::ranges::all_of(text, isDigit);
+    return isOfBase16 || (std::ranges::all_of(text, isOfWord) && std::ranges::any_of(text, isCapital));
 }
 
 bool holds(std::span<const std::string> names, std::string_view name, std::string_view ending) {
@@ -89,8 +56,8 @@ std::optional<std::string> programName(std::string_view file) {
     return std::string(file.substr(0, dot));
 }
 
-Glob::Patterns patternOf(std::string_view text) {
-    return Glob::Patterns::compile(std::array{std::string(text)}).value_or(Glob::Patterns());
+Glob::ExactPatterns patternOf(std::string_view text) {
+    return Glob::ExactPatterns::compile(std::array{std::string(text)}).value_or(Glob::ExactPatterns());
 }
 
 }  // namespace
@@ -161,7 +128,8 @@ ArtifactLayout::Node& ArtifactLayout::Node::next(std::string_view name) {
 
 ArtifactLayout::Part ArtifactLayout::partOf(std::string_view text) {
     using Form = Part::Form;
-    if (text == "SYSTEM") return {Form::pattern, Glob::Patterns::compile(systems()).value_or(Glob::Patterns()), {}, {}};
+    if (text == "SYSTEM")
+        return {Form::pattern, Glob::ExactPatterns::compile(systems()).value_or(Glob::ExactPatterns()), {}, {}};
     constexpr std::array<std::pair<std::string_view, Form>, 6> wholeNames{{{"", Form::nothing},
                                                                            {"**", Form::anything},
                                                                            {"PROGRAM", Form::program},

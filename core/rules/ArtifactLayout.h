@@ -27,8 +27,8 @@ struct ArtifactNeighbours {
 /// Whole names: "PROGRAM" is a program or library beside which the list of what it was made of lies (`shop` and
 /// `shop.d`), "LIST" that list beside one of them, "PRODUCT" a program without an ending beside what else Swift makes
 /// of it (`shop` and `shop.product`), "STEM" the folder's own name without its ending (`shop` in `shop.app`), "SYSTEM"
-/// one of `systems`. Parts of names: "HASH" are eight characters that no
-/// words or dates are made of, "HEX" sixteen hexadecimal digits or more, "WORD" letters, digits, "-" and "_".
+/// one of `systems`. Parts of names: "HASH" are eight characters as bundlers put them into names, "HEX" sixteen
+/// hexadecimal digits or more, "WORD" letters, digits, "-" and "_". Case counts.
 class ArtifactLayout {
 public:
     class Place;
@@ -60,7 +60,7 @@ private:
         };
         Form form = Form::pattern;
         /// The whole name, or what stands before the part that is told by its characters.
-        Glob::Patterns name;
+        Glob::ExactPatterns name;
         std::string before;
         std::string after;
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <filesystem>
+#include <chrono>
 #include <optional>
 #include <span>
 #include <sstream>
@@ -14,15 +14,13 @@
 #include <vector>
 
 #include "rules/NodePackages.h"
+#include "rules/PythonEnvironment.h"
 #include "rules/SwiftPackages.h"
 #include "rules/WebBundle.h"
 
 namespace vostrel {
 
 namespace {
-
-// Deeper than any tool nests.
-constexpr std::size_t deepest = 100;
 
 // What CocoaPods writes beside the pods.
 constexpr std::array<std::string_view, 3> foldersOfPods{"Headers", "Pods.xcodeproj", "Target Support Files"};
@@ -61,17 +59,20 @@ std::pair<std::string, std::string> versionOf(std::string_view archive) {
 
 std::set<std::string> ArtifactLists::listedFiles(const std::string& folder, ArtifactKind kind) {
     std::set<std::string> files;
-    const std::string project = folder.substr(0, folder.rfind('/'));
     switch (kind) {
         case ArtifactKind::venv:
-            return installedFiles(folder);
+            return PythonEnvironment(reader, folder).installedFiles();
         case ArtifactKind::gradleBuild:
             for (const std::string part : {"main", "test"})
-                addFilesBelow(fmt::format("{}/src/{}/resources", project, part), "resources/" + part, 0, files);
+                addCopies(fmt::format("src/{}/resources", part), folder, fmt::format("resources/{}/", part), files);
             return files;
         case ArtifactKind::target:
-            addFilesBelow(project + "/src/main/resources", "classes", 0, files);
-            addFilesBelow(project + "/src/test/resources", "test-classes", 0, files);
+            addCopies("src/main/resources", folder, "classes/", files);
+            addCopies("src/test/resources", folder, "test-classes/", files);
+            return files;
+        case ArtifactKind::dist:
+            for (const std::string& bundle : WebBundle(reader, folder).foldersOfCopies())
+                addCopies("public", folder, bundle, files);
             return files;
         case ArtifactKind::swiftBuild:
         case ArtifactKind::xcodeDerivedData:
@@ -83,6 +84,16 @@ std::set<std::string> ArtifactLists::listedFiles(const std::string& folder, Arti
         default:
             return files;
     }
+}
+
+std::set<std::string> ArtifactLists::namesOfCopies(const std::string& folder, ArtifactKind kind) {
+    std::set<std::string> names;
+    if (kind != ArtifactKind::dist) return names;
+    if (const auto originals = reader.contentOf(folder.substr(0, folder.rfind('/')) + "/public")) {
+        names.insert(originals->files.begin(), originals->files.end());
+        names.insert(originals->folders.begin(), originals->folders.end());
+    }
+    return names;
 }
 
 bool ArtifactLists::isListed(const std::set<std::string>& files, const std::string& file) {
@@ -99,28 +110,48 @@ bool ArtifactLists::isListed(const std::set<std::string>& files, const std::stri
     return isBytecode && files.contains(file.substr(0, name - cache.size()) + file.substr(name, dot - name) + ".py");
 }
 
-std::optional<Date> ArtifactLists::installed(const std::string& folder, ArtifactKind kind) {
-    // What each manager writes when all packages are in place.
+std::optional<ArtifactLists::Installation> ArtifactLists::installation(const std::string& folder, ArtifactKind kind) {
+    // What each tool writes when all else is in place.
     constexpr std::array<std::string_view, 3> ofNode{".package-lock.json", ".yarn-integrity", ".modules.yaml"};
+    constexpr std::array<std::string_view, 1> ofNext{"trace"};
     constexpr std::array<std::string_view, 1> ofPods{"Manifest.lock"};
     std::span<const std::string_view> lists;
     if (kind == ArtifactKind::nodeModules) lists = ofNode;
+    if (kind == ArtifactKind::nextBuild && reader.isFile(folder + "/BUILD_ID")) lists = ofNext;
     if (kind == ArtifactKind::pods) lists = ofPods;
     for (const std::string_view list : lists) {
-        if (const auto status = reader.statusOf(fmt::format("{}/{}", folder, list))) return status->modified;
+        if (const auto status = reader.statusOf(fmt::format("{}/{}", folder, list)))
+            return Installation{status->modified, status->changed};
     }
     return std::nullopt;
 }
 
-bool ArtifactLists::isInPackage(const std::string& folder, ArtifactKind kind) {
-    if (folder.empty()) return false;
-    constexpr std::string_view store = ".pnpm/";
-    if (kind == ArtifactKind::nodeModules)
-        return !folder.starts_with('.') || (folder.starts_with(store) && folder.size() > store.size());
-    return std::ranges::none_of(foldersOfPods, [&](auto own) { return folder.starts_with(std::string(own) + "/"); });
+/// A copy of a whole tree keeps the dates of content and gets new ones of arrival, the list like the rest: then these
+/// tell nothing.
+bool ArtifactLists::Installation::isOlderThan(const ArtifactContent& content) const {
+    constexpr std::chrono::minutes toBeWritten{1};
+    const bool isWhereItWasMade = arrived - modified <= toBeWritten && modified - arrived <= toBeWritten;
+    return content.newest > modified || (isWhereItWasMade && content.changed > arrived);
 }
 
-bool ArtifactLists::nameAll(const std::string& folder, ArtifactKind kind) {
+bool ArtifactLists::staysAsInstalled(std::string_view folder, ArtifactKind kind) {
+    const auto liesIn = [&](std::string_view around) {
+        return folder.starts_with(around) && folder.substr(around.size()).starts_with('/');
+    };
+    const auto liesBelow = [&](std::string_view around) { return liesIn(around) && folder.size() > around.size() + 1; };
+    switch (kind) {
+        case ArtifactKind::nodeModules:
+            return liesBelow(".pnpm") || (!folder.empty() && !folder.starts_with('.'));
+        case ArtifactKind::nextBuild:  // the server keeps the pages that it has made in a cache
+            return liesIn("static") || liesIn("types") || (liesBelow("server") && !liesIn("server/route-cache"));
+        case ArtifactKind::pods:
+            return !folder.empty() && std::ranges::none_of(foldersOfPods, liesIn);
+        default:
+            return false;
+    }
+}
+
+bool ArtifactLists::nameAll(const std::string& folder, ArtifactKind kind, const std::set<std::string>& listed) {
     switch (kind) {
         case ArtifactKind::nodeModules:
             return NodePackages(reader).areAllListed(folder);
@@ -134,11 +165,15 @@ bool ArtifactLists::nameAll(const std::string& folder, ArtifactKind kind) {
         case ArtifactKind::pycache:
             return holdsCompiledSources(folder);
         case ArtifactKind::dist:
-            return WebBundle(reader, folder).isWholeAndCanBeMadeAgain();
+            return WebBundle(reader, folder).isWholeAndCanBeMadeAgain(listed);
         case ArtifactKind::target:
             return holdsNamedArchives(folder) && holdsReportsOfTests(folder);
         case ArtifactKind::gradleBuild:
             return !reader.exists(folder + "/libs") || holdsOneVersion(folder + "/libs");
+        case ArtifactKind::pytestCache:
+            return reader.beginsWith(folder + "/README.md", "# pytest cache directory #");
+        case ArtifactKind::venv:
+            return PythonEnvironment(reader, folder).hasItsOwnScripts();
         default:
             return true;
     }
@@ -155,19 +190,10 @@ bool ArtifactLists::holdsListedPods(const std::string& folder) {
         return list.contains("- " + name + " (") || list.contains("- " + name + "/") ||
                list.contains("- \"" + name + " (") || list.contains("- \"" + name + "/");
     };
-    return content && holdsOnlyLinks(folder + "/Headers", 0) &&
+    const auto holdsNoFiles = [](const ArtifactContent& headers) { return headers.files.empty(); };
+    return content && reader.isTrueThroughout(folder + "/Headers", holdsNoFiles) &&
            std::ranges::all_of(content->folders, [&](const std::string& name) {
                return std::ranges::find(foldersOfPods, name) != foldersOfPods.end() || isListed(name);
-           });
-}
-
-/// Whether no file lies in a folder, if it is there, or below it.
-bool ArtifactLists::holdsOnlyLinks(const std::string& folder, std::size_t depth) {
-    if (!reader.exists(folder)) return true;
-    const auto content = reader.contentOf(folder);
-    return content && content->files.empty() && depth <= deepest &&
-           std::ranges::all_of(content->folders, [&](const std::string& name) {
-               return holdsOnlyLinks(fmt::format("{}/{}", folder, name), depth + 1);
            });
 }
 
@@ -238,39 +264,19 @@ bool ArtifactLists::holdsReportsOfTests(const std::string& folder) {
            });
 }
 
-/// Where the files of the packages lie that are installed in a Python environment, by their own lists.
-std::set<std::string> ArtifactLists::installedFiles(const std::string& environment) {
-    std::set<std::string> found;
-    const auto versions = reader.contentOf(environment + "/lib");
-    if (!versions) return found;
-    for (const std::string& version : versions->folders) {
-        const std::string packages = fmt::format("lib/{}/site-packages/", version);
-        const auto content = reader.contentOf(fmt::format("{}/{}", environment, packages));
-        if (!content) continue;
-        for (const std::string& name : content->folders) {
-            if (!name.ends_with(".dist-info")) continue;
-            // "package/file.py,sha256=…,12"; outside of the packages "../../../bin/tool,…".
-            std::istringstream lines(
-                reader.textOf(fmt::format("{}/{}{}/RECORD", environment, packages, name)).value_or(""));
-            for (std::string line; std::getline(lines, line);) {
-                const auto file = std::filesystem::path(packages + line.substr(0, line.find(',')));
-                found.insert(file.lexically_normal().native());
-            }
+/// Adds the files in a folder inside the build folder that are copies of those in one of the project's. `copies` is
+/// empty or ends with "/".
+void ArtifactLists::addCopies(const std::string& originals, const std::string& folder, const std::string& copies,
+                              std::set<std::string>& files) {
+    const std::string from = fmt::format("{}/{}", folder.substr(0, folder.rfind('/')), originals);
+    (void)reader.isTrueThroughout(from, [&](const ArtifactContent& content) {
+        for (const std::string& name : content.files) {
+            const std::string original = fmt::format("{}/{}", content.path, name);
+            const std::string copy = copies + original.substr(from.size() + 1);
+            if (reader.areAlike(original, fmt::format("{}/{}", folder, copy))) files.insert(copy);
         }
-    }
-    return found;
-}
-
-/// Adds the paths of all files in a folder and below it, as they are below another one.
-void ArtifactLists::addFilesBelow(const std::string& folder, const std::string& as, std::size_t depth,
-                                  std::set<std::string>& files) {
-    if (depth > deepest || !reader.exists(folder)) return;
-    const auto content = reader.contentOf(folder);
-    if (!content) return;
-    for (const std::string& file : content->files)
-        files.insert(fmt::format("{}/{}", as, file));
-    for (const std::string& inner : content->folders)
-        addFilesBelow(fmt::format("{}/{}", folder, inner), fmt::format("{}/{}", as, inner), depth + 1, files);
+        return true;
+    });
 }
 
 }  // namespace vostrel

@@ -1,6 +1,7 @@
 #include "rules/ArtifactReader.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
@@ -9,6 +10,7 @@
 #include <utility>
 
 #include "platform/FileContent.h"
+#include "platform/Materialisation.h"
 #include "platform/OwnedDescriptor.h"
 
 namespace vostrel {
@@ -23,6 +25,8 @@ constexpr std::size_t longestList = 64U << 20U;
 
 /// So many bytes of a file, or all; nothing when it could not be read. Follows no link.
 std::optional<std::string> beginningOf(const std::string& file, std::size_t most) {
+    const MaterialisationGuard noDownloads;
+    if (!noDownloads.holds()) return std::nullopt;
     const OwnedDescriptor opened(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!opened.isOpen()) return std::nullopt;
     auto text = readBytes(opened.get(), most);
@@ -92,13 +96,36 @@ std::optional<ArtifactContent> ArtifactReader::contentOf(const std::string& fold
     std::ranges::sort(content.files);
     std::ranges::sort(content.folders);
     content.newest = std::max(content.newest, listed.status.modified);
+    content.changed = listed.status.changed;
     return std::move(content);
+}
+
+bool ArtifactReader::isTrueThroughout(const std::string& folder,
+                                      const std::function<bool(const ArtifactContent&)>& test) {
+    return !exists(folder) || isTrueBelow(folder, test, 0);
+}
+
+bool ArtifactReader::isTrueBelow(const std::string& folder, const std::function<bool(const ArtifactContent&)>& test,
+                                 std::size_t depth) {
+    const auto content = contentOf(folder);
+    return content && depth <= deepest && test(*content) &&
+           std::ranges::all_of(content->folders, [&](const std::string& name) {
+               return isTrueBelow(fmt::format("{}/{}", folder, name), test, depth + 1);
+           });
 }
 
 std::optional<std::string> ArtifactReader::textOf(const std::string& file) {
     auto text = beginningOf(file, longestList);
     if (!text && isFile(file)) troubled = SkipReason::unreadable;
     return text && text->size() < longestList ? text : std::nullopt;
+}
+
+bool ArtifactReader::areAlike(const std::string& file, const std::string& other) {
+    const auto one = statusOf(file);
+    const auto two = statusOf(other);
+    if (!one || !two || one->type != EntryType::file || one->length != two->length || mustStop()) return false;
+    const auto text = textOf(file);
+    return text && text == textOf(other);
 }
 
 bool ArtifactReader::beginsWith(const std::string& file, std::string_view text) {

@@ -11,9 +11,6 @@ namespace {
 
 using Form = ArtifactSignature::Form;
 
-// Deeper than any tool nests.
-constexpr std::size_t deepest = 100;
-
 /// The published convention for cache folders.
 constexpr std::string_view cacheFolderTagBegins = "Signature: 8a477f597d28d172789f06886806bc55";
 
@@ -41,10 +38,11 @@ std::optional<FileIdentity> ArtifactRecognition::recognise(const std::string& fo
     if ((facts.markerBits & beside).none()) return std::nullopt;
     const auto content = reader.contentOf(folder);
     if (!content) return std::nullopt;
+    const auto copied = lists.namesOfCopies(folder, kind);
     for (std::size_t at = 0; at < facts.tools.size(); ++at) {
         const ArtifactFacts::Tool& tool = facts.tools[at];
         const bool isMarked = (tool.markerBits & ~beside).none();
-        if (isMarked && holdsOnlyNamesOf(tool.own.top(), *content) &&
+        if (isMarked && holdsOnlyNamesOf(tool.own.top(), copied, *content) &&
             std::ranges::any_of(facts.signatures[at].anyOf,
                                 [&](const auto& signature) { return shows(*content, signature); })) {
             return content->identity;
@@ -55,9 +53,9 @@ std::optional<FileIdentity> ArtifactRecognition::recognise(const std::string& fo
 
 bool ArtifactRecognition::canBeMadeAgain(const std::string& folder, ArtifactKind kind) {
     reader.forgetTrouble();
-    const Evidence evidence{kind, lists.listedFiles(folder, kind), lists.installed(folder, kind)};
+    const Evidence evidence{kind, lists.listedFiles(folder, kind), lists.installation(folder, kind)};
     const auto holdsOnlyOwn = [&](const auto& tool) { return holdsOnly(tool.own.top(), evidence, folder, {}, 0); };
-    return std::ranges::any_of(factsOf(kind).tools, holdsOnlyOwn) && lists.nameAll(folder, kind);
+    return std::ranges::any_of(factsOf(kind).tools, holdsOnlyOwn) && lists.nameAll(folder, kind, evidence.listed);
 }
 
 bool ArtifactRecognition::liesInBuildFolder(const std::filesystem::path& folder) {
@@ -79,11 +77,14 @@ std::optional<ArtifactMarkers> ArtifactRecognition::markersIn(const std::string&
     return markersOn(reader.contentOf(folder));
 }
 
-/// Whether every name directly in the folder is one that the tool gives.
-bool ArtifactRecognition::holdsOnlyNamesOf(const ArtifactLayout::Place& own, const ArtifactContent& content) {
+/// Whether every name directly in the folder is one that the tool gives, or copies.
+bool ArtifactRecognition::holdsOnlyNamesOf(const ArtifactLayout::Place& own, const std::set<std::string>& copied,
+                                           const ArtifactContent& content) {
     const ArtifactNeighbours beside{content.files, content.folders};
-    const auto isOwn = [&](const std::string& name) { return goesOn() && own.holdsFile(name, beside); };
-    const auto isOwnFolder = [&](const std::string& name) { return own.holdsFolder(name); };
+    const auto isOwn = [&](const std::string& name) {
+        return goesOn() && (own.holdsFile(name, beside) || copied.contains(name));
+    };
+    const auto isOwnFolder = [&](const std::string& name) { return own.holdsFolder(name) || copied.contains(name); };
     return !content.holdsOther && std::ranges::all_of(content.files, isOwn) &&
            std::ranges::all_of(content.folders, isOwnFolder) &&
            std::ranges::all_of(content.links, [&](const auto& name) { return isOwn(name) || isOwnFolder(name); });
@@ -94,10 +95,10 @@ bool ArtifactRecognition::holdsOnlyNamesOf(const ArtifactLayout::Place& own, con
 bool ArtifactRecognition::holdsOnly(const ArtifactLayout::Place& own, const Evidence& evidence,
                                     const std::string& folder, const std::string& path, std::size_t depth) {
     const auto content = reader.contentOf(folder);
-    if (!content || content->holdsOther || depth > deepest) return false;
+    if (!content || content->holdsOther || depth > ArtifactReader::deepest) return false;
     if (content->isRepository() && !own.mayBeRepository()) return false;
-    const bool isChanged = evidence.installed && content->newest > *evidence.installed;
-    if (isChanged && ArtifactLists::isInPackage(path, evidence.kind)) return false;
+    const bool isChanged = evidence.installation && evidence.installation->isOlderThan(*content);
+    if (isChanged && ArtifactLists::staysAsInstalled(path, evidence.kind)) return false;
     const ArtifactNeighbours beside{content->files, content->folders};
     const auto isOwn = [&](const std::string& name) {
         return goesOn() && (own.holdsFile(name, beside) ||

@@ -50,12 +50,13 @@ public:
 
 private:
     [[nodiscard]] bool isMarked(const std::string& project, ArtifactKind kind);
-    [[nodiscard]] bool holdsOnlyNamesOf(const ArtifactLayout::Place& own, const ArtifactContent& content);
+    [[nodiscard]] bool holdsOnlyNamesOf(const ArtifactLayout::Place& own, const std::set<std::string>& copied,
+                                        const ArtifactContent& content);
     /// What a folder is held against, apart from its tool's layout.
     struct Evidence {
         ArtifactKind kind;
         std::set<std::string> listed;
-        std::optional<Date> installed;
+        std::optional<ArtifactLists::Installation> installation;
     };
     [[nodiscard]] bool holdsOnly(const ArtifactLayout::Place& own, const Evidence& evidence, const std::string& folder,
                                  const std::string& path, std::size_t depth);

@@ -1,5 +1,7 @@
 #include "rules/NodePackages.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
 #include <optional>
@@ -21,13 +23,15 @@ std::vector<JSONMember> membersOf(const std::string& text, std::string_view key)
     return document ? membersIn(&*document, key) : std::vector<JSONMember>();
 }
 
-/// Where npm has put packages of its own: not where it only put a link.
+/// Where npm has put packages of its own: not where it only put a link, nor what it unpacked from an archive on this
+/// disk, which may be gone.
 std::set<std::string> placesOfNpm(const std::string& lock) {
     std::set<std::string> places;
     for (const auto& [place, entry] : membersOf(lock, "packages")) {
         const auto* facts = entry.as<JSONObject>();
         if (facts != nullptr && facts->find("extraneous") == nullptr &&
-            (facts->find("link") == nullptr || *facts->find("link") == JSONValue(false)))
+            (facts->find("link") == nullptr || *facts->find("link") == JSONValue(false)) &&
+            !textIn(&entry, "resolved").starts_with("file:"))
             places.insert(place);
     }
     return places;
@@ -96,6 +100,7 @@ struct NodePackages::PackageList {
 };
 
 bool NodePackages::areAllListed(const std::string& folder) {
+    if (!holdsOnlyOptimised(folder + "/.vite")) return false;
     PackageList installed;
     if (reader.isFile(folder + "/.package-lock.json")) {
         installed.places = placesOfNpm(reader.textOf(folder + "/.package-lock.json").value_or(""));
@@ -103,13 +108,26 @@ bool NodePackages::areAllListed(const std::string& folder) {
         // "left-pad@^1.0.0", "@scope/name@1.0.0"
         for (const auto& [pattern, origin] :
              membersOf(reader.textOf(folder + "/.yarn-integrity").value_or(""), "lockfileEntries"))
-            if (!pattern.contains("@link:")) installed.names.insert(pattern.substr(0, pattern.find('@', 1)));
+            if (!pattern.contains("@link:") && !pattern.contains("@file:"))
+                installed.names.insert(pattern.substr(0, pattern.find('@', 1)));
     } else if (reader.isFile(folder + "/.yarn-state.yml")) {
         installed.places = placesOfYarn(reader.textOf(folder + "/.yarn-state.yml").value_or(""));
     } else {
         return holdsStoredPackages(folder);
     }
     return holdsPackages(folder, "node_modules/", installed);
+}
+
+/// Vite makes each of these folders at one time, and its list of what is in it at last.
+bool NodePackages::holdsOnlyOptimised(const std::string& cache) {
+    const auto content = reader.exists(cache) ? reader.contentOf(cache) : ArtifactContent();
+    return content && std::ranges::all_of(content->folders, [&](const std::string& name) {
+               const std::string folder = fmt::format("{}/{}", cache, name);
+               const auto list = reader.statusOf(folder + "/_metadata.json");
+               return !name.starts_with("deps") || (list && reader.isTrueThroughout(folder, [&](const auto& optimised) {
+                   return optimised.newest <= list->modified;
+               }));
+           });
 }
 
 /// Folders with a dot are the package manager's own; those with an "@" hold packages in turn.

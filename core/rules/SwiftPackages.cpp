@@ -15,9 +15,6 @@ namespace vostrel {
 
 namespace {
 
-// Deeper than any tool nests.
-constexpr std::size_t deepest = 100;
-
 std::map<std::string, std::string> checkoutsOf(const JSONValue* state) {
     std::map<std::string, std::string> checkouts;
     for (const JSONValue& dependency : listIn(state, "dependencies")) {
@@ -110,40 +107,31 @@ bool SwiftPackages::areAllListed() {
                                [&](const auto& checkout) {
                                    return isGitsOwn(fmt::format("{}/checkouts/{}/.git", packages, checkout.first));
                                }) &&
-           holdsOnlyListedArtifacts() && isUnchanged(packages + "/artifacts", 0) &&
-           isUnchanged(packages + "/prebuilts", 0);
+           holdsOnlyListedArtifacts() && isUnchanged(packages + "/artifacts") && isUnchanged(packages + "/prebuilts");
 }
 
 /// What names commits in a repository, and where that was noted.
 bool SwiftPackages::isGitsOwn(const std::string& repository) {
-    return holdsOnlyReferences(repository + "/refs", 0) && holdsOnlyReferences(repository + "/logs", 0);
+    return holdsOnlyReferences(repository + "/refs") && holdsOnlyReferences(repository + "/logs");
 }
 
 /// Whether every file in a folder, if it is there, begins with a commit's digits, or refers to another such file.
-bool SwiftPackages::holdsOnlyReferences(const std::string& folder, std::size_t depth) {
+bool SwiftPackages::holdsOnlyReferences(const std::string& folder) {
     constexpr std::size_t digits = 40;
-    if (!reader.exists(folder)) return true;
-    const auto content = reader.contentOf(folder);
-    const auto isReference = [&](const std::string& name) {
-        const std::string text = reader.textOf(fmt::format("{}/{}", folder, name)).value_or("");
-        return text.starts_with("ref: refs/") ||
-               (text.size() > digits && std::ranges::all_of(text.substr(0, digits), isHexadecimal));
-    };
-    return content && depth <= deepest && std::ranges::all_of(content->files, isReference) &&
-           std::ranges::all_of(content->folders, [&](const std::string& name) {
-               return holdsOnlyReferences(fmt::format("{}/{}", folder, name), depth + 1);
-           });
+    return reader.isTrueThroughout(folder, [&](const ArtifactContent& content) {
+        return std::ranges::all_of(content.files, [&](const std::string& name) {
+            const std::string text = reader.textOf(fmt::format("{}/{}", content.path, name)).value_or("");
+            return text.starts_with("ref: refs/") ||
+                   (text.size() > digits && std::ranges::all_of(text.substr(0, digits), isHexadecimal));
+        });
+    });
 }
 
 /// The manager notes down what it has unpacked.
-bool SwiftPackages::isUnchanged(const std::string& folder, std::size_t depth) {
-    if (!reader.exists(folder)) return true;
+bool SwiftPackages::isUnchanged(const std::string& folder) {
     const auto state = reader.statusOf(packages + "/workspace-state.json");
-    const auto content = reader.contentOf(folder);
-    return state && content && depth <= deepest && content->newest <= state->modified &&
-           std::ranges::all_of(content->folders, [&](const std::string& name) {
-               return isUnchanged(fmt::format("{}/{}", folder, name), depth + 1);
-           });
+    return reader.isTrueThroughout(
+        folder, [&](const ArtifactContent& content) { return state && content.newest <= state->modified; });
 }
 
 bool SwiftPackages::isClone(const std::string& name, std::set<std::string>& known) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <map>
 #include <set>
 #include <string>
@@ -23,9 +22,9 @@ public:
 
 private:
     [[nodiscard]] bool holdsOnlyListedArtifacts();
-    [[nodiscard]] bool isUnchanged(const std::string& folder, std::size_t depth);
+    [[nodiscard]] bool isUnchanged(const std::string& folder);
     [[nodiscard]] bool isGitsOwn(const std::string& repository);
-    [[nodiscard]] bool holdsOnlyReferences(const std::string& folder, std::size_t depth);
+    [[nodiscard]] bool holdsOnlyReferences(const std::string& folder);
     [[nodiscard]] bool isClone(const std::string& name, std::set<std::string>& known);
 
     ArtifactReader& reader;

@@ -1,8 +1,11 @@
 #include "rules/WebBundle.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <chrono>
 #include <ranges>
 #include <string_view>
 #include <utility>
@@ -14,14 +17,11 @@ namespace vostrel {
 
 namespace {
 
-// A bundle lies in a few folders.
-constexpr std::size_t deepest = 5;
-
 // What the bundlers write under these very names, without anything naming them.
 constexpr std::array<std::string_view, 3> reports{"3rdpartylicenses.txt", "prerendered-routes.json", "manifest.json"};
 
-// What they copy from the project as it is.
-constexpr std::array<std::string_view, 2> copies{"vite.svg", "favicon.ico"};
+/// From a bundle's first file to its last; the bundler has its whole content in memory before.
+constexpr std::chrono::minutes longestWriting{1};
 
 template <class List>
 bool isAmong(const List& names, std::string_view name) {
@@ -37,8 +37,17 @@ bool isOfFileName(char each) {
 WebBundle::WebBundle(ArtifactReader& from, std::string folder)
     : reader(from), bundle(std::move(folder)), project(bundle.substr(0, bundle.rfind('/'))) {}
 
-bool WebBundle::isWholeAndCanBeMadeAgain() {
-    if (!hasItsSources() || !addFilesBelow({}, 0) || pages.empty()) return false;
+std::vector<std::string> WebBundle::foldersOfCopies() {
+    std::vector<std::string> folders{""};
+    if (const auto content = reader.contentOf(bundle)) {
+        for (const std::string& name : content->folders)  // of an Angular project
+            folders.push_back(name + "/browser/");
+    }
+    return folders;
+}
+
+bool WebBundle::isWholeAndCanBeMadeAgain(const std::set<std::string>& copies) {
+    if (!hasItsSources() || !addFiles(copies) || pages.empty() || !wasWrittenInOneGo()) return false;
     reachFromPages();
     return unnamed.empty();
 }
@@ -56,30 +65,39 @@ bool WebBundle::hasItsSources() {
 }
 
 /// Whether all of them could be listed.
-bool WebBundle::addFilesBelow(const std::string& folder, std::size_t depth) {
-    const auto content = reader.contentOf(bundle + "/" + folder);
-    if (!content || depth > deepest) return false;
-    for (const std::string& name : content->files) {
-        if (name.ends_with(".html")) {
-            pages.push_back(folder + name);
-        } else if (!isAmong(reports, name) && !isCopied(name) && !unnamed.emplace(name, folder + name).second) {
-            return false;
+bool WebBundle::addFiles(const std::set<std::string>& copies) {
+    return reader.isTrueThroughout(bundle, [&](const ArtifactContent& content) {
+        for (const std::string& name : content.files) {
+            const std::string path = fmt::format("{}/{}", content.path, name);
+            if (copies.contains(path.substr(bundle.size() + 1))) continue;
+            written.push_back(path);
+            if (name.ends_with(".html")) {
+                pages.push_back(path);
+            } else if (!isAmong(reports, name) && !unnamed.emplace(name, path).second) {
+                return false;
+            }
         }
-    }
-    return content->links.empty() && std::ranges::all_of(content->folders, [&](const std::string& name) {
-               return addFilesBelow(folder + name + "/", depth + 1);
-           });
+        return content.links.empty();
+    });
 }
 
-bool WebBundle::isCopied(const std::string& name) {
-    return isAmong(copies, name) &&
-           (reader.isFile(project + "/public/" + name) || reader.isFile(project + "/src/" + name));
+/// A file that somebody put there or changed by hand is of another time.
+bool WebBundle::wasWrittenInOneGo() {
+    Date first = Date::distantFuture();
+    Date last = Date::distantPast();
+    for (const std::string& file : written) {
+        const auto status = reader.statusOf(file);
+        if (!status) return false;
+        first = std::min(first, status->modified);
+        last = std::max(last, status->modified);
+    }
+    return last - first <= longestWriting;
 }
 
 void WebBundle::reachFromPages() {
     std::vector<std::string> reached = pages;
     while (!reached.empty() && !unnamed.empty() && !reader.mustStop()) {
-        const std::string text = reader.textOf(bundle + "/" + reached.back()).value_or("");
+        const std::string text = reader.textOf(reached.back()).value_or("");
         reached.pop_back();
         for (auto begin = text.begin(); begin != text.end();) {
             begin = std::find_if(begin, text.end(), isOfFileName);

@@ -15,7 +15,7 @@ Names nodePackages() {
     const Names optimised{"_metadata.json", "package.json", "*.js", "*.js.map", "*.css", "*.css.map"};
     return joined({{"[!.]*/**", ".bin/*", ".cache/.*cache", ".vite/vitest/results.json",
                     ".vite/vitest/HEX/results.json", ".vite-temp/*.timestamp-*.mjs"},
-                   below({".cache/*/**"}, cached),
+                   below({".cache/WORD/**"}, cached),
                    below({".vite/deps", ".vite/deps_ssr", ".vite/deps_temp_" + digits(8)}, optimised)});
 }
 

@@ -13,7 +13,7 @@ Names nodePackages() {
                        "*.lock",  "*.map",         "*.mjs",  "*.pack", "*.pack.old",  "*.pack.gz.old",
                        "*.sst",   "*.tsbuildinfo", "*.wasm", "HEX",    "HEX.tar.zst", ".*cache"};
     const Names optimised{"_metadata.json", "package.json", "*.js", "*.js.map", "*.css", "*.css.map"};
-    return joined({{"[!.]*/**", ".bin/*", ".cache/.*cache", ".vite/vitest/results.json",
+    return joined({{"[!.]*/**", ".astro/data-store.json", ".bin/*", ".cache/.*cache", ".vite/vitest/results.json",
                     ".vite/vitest/HEX/results.json", ".vite-temp/*.timestamp-*.mjs"},
                    below({".cache/WORD/**"}, cached),
                    below({".vite/deps", ".vite/deps_ssr", ".vite/deps_temp_" + digits(8)}, optimised)});

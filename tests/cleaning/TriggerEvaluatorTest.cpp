@@ -74,15 +74,6 @@ TEST_F(TriggerEvaluatorTest, countsEachTriggerFromItsOwnRunThenTheRulesThenTheRu
     EXPECT_FALSE(isDue(utc(year(2025) / 6 / 9)));
 }
 
-TEST_F(TriggerEvaluatorTest, runsOnceAfterSleepHoweverManyTimesWereMissed) {
-    EXPECT_FALSE(runs(utc(year(2025) / 6 / 1, 8h)));
-    EXPECT_TRUE(runs(utc(year(2025) / 6 / 1, 12h)));
-    EXPECT_FALSE(runs(utc(year(2025) / 6 / 1, 12h + 1min)));
-    EXPECT_TRUE(runs(utc(year(2025) / 6 / 8, 8h)));
-    EXPECT_FALSE(runs(utc(year(2025) / 6 / 8, 8h + 59min)));
-    EXPECT_TRUE(runs(utc(year(2025) / 6 / 8, 9h)));
-}
-
 TEST_F(TriggerEvaluatorTest, neitherWaitsForEverNorRunsTwiceWhenTheClockWasSetBack) {
     ASSERT_TRUE(runs(utc(year(2025) / 6 / 1, 9h)));
     EXPECT_FALSE(runs(utc(year(2025) / 6 / 1, 7h)));
@@ -144,16 +135,6 @@ TEST_F(TriggerEvaluatorTest, runsOnceForEachDayOnWhichItIsEvaluated) {
             }
         }
     }
-}
-
-TEST(RulesForAppQuitTest, areTheEnabledOnesThatWaitForThatApplication) {
-    Rule waiting = sampleRule();
-    waiting.triggers = {DailyTrigger{}, WhenAppQuitsTrigger{"org.example.Editor"}};
-    Rule disabled = waiting;
-    disabled.enabled = false;
-    const std::vector<Rule> rules{disabled, waiting, sampleRule()};
-    EXPECT_THAT(rulesForAppQuit("org.example.Editor", rules), testing::ElementsAre(waiting));
-    EXPECT_THAT(rulesForAppQuit("org.example", rules), IsEmpty());
 }
 
 }  // namespace

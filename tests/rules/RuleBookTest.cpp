@@ -91,12 +91,8 @@ TEST(RuleBookTest, definesWhatATargetStandsFor) {
 
 TEST(RuleBookTest, keepsItsRulesInOrderAndEachIdOnce) {
     using Places = std::set<std::size_t>;
-    for (const auto& [places, target, result] : {std::tuple(Places{0}, 2U, "bacd"),
-                                                 {{0}, 4U, "bcda"},
-                                                 {{3}, 0U, "dabc"},
-                                                 {{0, 2}, 4U, "bdac"},
-                                                 {{1, 3}, 2U, "abdc"},
-                                                 {{9}, 9U, "abcd"}}) {
+    for (const auto& [places, target, result] :
+         {std::tuple(Places{0}, 4U, "bcda"), {{0, 2}, 4U, "bdac"}, {{1, 3}, 2U, "abdc"}, {{9}, 9U, "abcd"}}) {
         RuleBook book({named("a"), named("b"), named("c"), named("d")});
         book.move(places, target);
         EXPECT_EQ(order(book), result);

@@ -3,6 +3,7 @@
 
 #include <tuple>
 
+#include "cleaning/PlannerHome.h"
 #include "cleaning/RunFields.h"
 #include "cleaning/RunReport.h"
 #include "cleaning/RunSummary.h"
@@ -102,56 +103,38 @@ RunReport runOf(std::string_view items, std::optional<std::int64_t> freed = {}, 
     return report.finished(Date(), outcomes, ending, freed, {});
 }
 
+/// Runs, each by its outcomes and the bytes that it freed where that is known, and what is said of them. With a line,
+/// so many bytes are free after them, which is below it.
+constexpr std::string_view summaries = R"(
+DD 5000000 | Freed 4.0 MB | Removed 2 items.
+D | Deleted 2.0 MB | Removed 1 item.
+D -1 | Deleted 2.0 MB | Removed 1 item. Free space has not grown yet; local snapshots can keep deleted files for a while.
+D 1, TT 0 | Freed less than 1 MB, moved 4.0 MB to the Trash | Removed 3 items. From 2 rules. Space in the Trash is freed when the Trash is emptied.
+ttt | Removed 3 items | 
+Tn | Cleaning stopped | Moved 2.0 MB to the Trash. Removed 1 item. Space in the Trash is freed when the Trash is emptied.
+nn | Cleaning stopped | Nothing was removed.
+tff | Cleaning did not finish | Removed 1 item. Vostrel could not remove 2 items. See the Log for details.
+pf | Cleaning did not finish | 1 item could not be removed. 1 item could only be partly deleted. See the Log for details.
+cc | Nothing was removed | Everything that matched had changed since it was checked, so Vostrel left it alone. See the Log for details.
+cr | Nothing was removed | Nothing was removed.
+t | Still below your line | Removed 1 item. 3.0 GB free after running your rules. Open Vostrel to see what is using space. Movies grew. | 3000000000
+ | Nothing was removed | Still below your line with less than 1 MB free. Open Vostrel to see what is using space. Movies grew. | 0
+)";
+
 TEST(RunSummaryTest, saysWhatCameOfTheRuns) {
-    constexpr const char* emptied = "Space in the Trash is freed when the Trash is emptied.";
-    struct Row {
+    for (const auto& line : split(summaries.substr(1), "\n")) {
+        const auto row = split(line, " | ");
         std::vector<RunReport> reports;
-        std::optional<std::int64_t> stillBelow;
-        std::string title;
-        std::string body;
-    };
-    const Row table[] = {
-        {{runOf("DD", 5'000'000)}, {}, "Freed 4.0 MB", "Removed 2 items."},
-        {{runOf("D")}, {}, "Deleted 2.0 MB", "Removed 1 item."},
-        {{runOf("D", -1)},
-         {},
-         "Deleted 2.0 MB",
-         "Removed 1 item. Free space has not grown yet; local snapshots can keep deleted files for a while."},
-        {{runOf("D", 1, 1), runOf("TT", 0, 2)},
-         {},
-         "Freed less than 1 MB, moved 4.0 MB to the Trash",
-         std::string("Removed 3 items. From 2 rules. ") + emptied},
-        {{runOf("ttt")}, {}, "Removed 3 items", ""},
-        {{runOf("Tn")}, {}, "Cleaning stopped", std::string("Moved 2.0 MB to the Trash. Removed 1 item. ") + emptied},
-        {{runOf("nn")}, {}, "Cleaning stopped", "Nothing was removed."},
-        {{runOf("tff")},
-         {},
-         "Cleaning did not finish",
-         "Removed 1 item. Vostrel could not remove 2 items. See the Log for details."},
-        {{runOf("pf")},
-         {},
-         "Cleaning did not finish",
-         "1 item could not be removed. 1 item could only be partly deleted. See the Log for details."},
-        {{runOf("cc")},
-         {},
-         "Nothing was removed",
-         "Everything that matched had changed since it was checked, so Vostrel left it alone. See the Log for "
-         "details."},
-        {{runOf("cr")}, {}, "Nothing was removed", "Nothing was removed."},
-        {{runOf("t")},
-         3'000'000'000,
-         "Still below your line",
-         "Removed 1 item. 3.0 GB free after running your rules. Open Vostrel to see what is using space. Movies grew."},
-        {{},
-         0,
-         "Nothing was removed",
-         "Still below your line with less than 1 MB free. Open Vostrel to see what is using space. Movies grew."},
-    };
-    for (const auto& [reports, stillBelow, title, body] : table) {
+        for (const auto& run : split(row.at(0), ", ")) {
+            const auto parts = split(run, " ");
+            const auto freed = parts.size() > 1 ? std::optional(std::stoll(parts[1])) : std::nullopt;
+            reports.push_back(runOf(parts[0], freed, static_cast<int>(reports.size())));
+        }
+        const auto stillBelow = row.size() > 3 ? std::optional(std::stoll(row[3])) : std::nullopt;
         const auto summary = RunSummary::make(reports, stillBelow, "Movies grew.");
-        ASSERT_TRUE(summary) << title << body;
-        EXPECT_EQ(summary->title, title);
-        EXPECT_EQ(summary->body, body);
+        ASSERT_TRUE(summary) << line;
+        EXPECT_EQ(summary->title, row.at(1));
+        EXPECT_EQ(summary->body, row.size() > 2 ? row[2] : "");
     }
     const auto skipped = RunReport::skipped({}, RunTrigger::schedule, RunSkipReason::nothingToClean, Date());
     EXPECT_EQ(RunSummary::make({&skipped, 1}, {}, {}), std::nullopt);

@@ -14,10 +14,13 @@
 #include "cli/GivenPath.h"
 #include "cli/Interrupt.h"
 #include "cli/MapDisplay.h"
+#include "cli/MapPage.h"
 #include "cli/MapTrash.h"
 #include "cli/ParsedOption.h"
 #include "cli/ProgressLine.h"
 #include "cli/Session.h"
+#include "probes/SystemProbes.h"
+#include "probes/SystemProcessRunner.h"
 #include "spacemap/SpaceMapFields.h"
 
 namespace vostrel::cli {
@@ -27,6 +30,7 @@ namespace {
 struct MapOptions {
     std::string path;
     MapExtent extent;
+    std::optional<std::filesystem::path> page;
     std::vector<std::filesystem::path> trash;
     bool isSure = false;
 };
@@ -44,9 +48,27 @@ ScanResult scanWithProgress(Session& session, const GlobalOptions& options, cons
     const ProgressLine line(options, [&, begun] {
         const std::chrono::duration<double> elapsed =
             std::chrono::nanoseconds(SpaceScanner::steadyNanoseconds() - begun);
-        return described(progress.get(), session.guards, elapsed.count());
+        return described(progress.read(), session.guards, elapsed.count());
     });
     return session.spaceScanner().scan(target, &progress, &Interrupt::requested);
+}
+
+/// What a whole disk hides, with what the system itself says of it.
+std::optional<HiddenSpace> hiddenSpaceOf(const ScanResult& result) {
+    if (!result.hidden()) return std::nullopt;
+    const auto probes = SystemProbes::ofThisSystem(std::make_shared<SystemProcessRunner>());
+    const WalkBudget budget{.isCancelled = &Interrupt::requested};
+    SystemSpaceFigures figures;
+    if (const auto swap = probes.swap(budget).value()) figures.swapFiles = swap->totalBytes;
+    if (const auto snapshots = probes.localSnapshots(budget).value())
+        figures.localSnapshotCount = std::ssize(*snapshots);
+    return result.hidden(figures);
+}
+
+Parsed<std::filesystem::path> parsePage(const std::string& text) {
+    auto file = asGiven(text);
+    if (!file.has_filename()) return std::unexpected("must be a file");
+    return file;
 }
 
 /// What keeps the map from being whole, for the exit status.
@@ -70,18 +92,28 @@ CommandResult map(Session& session, const GlobalOptions& options, const MapOptio
         const auto mapped = wanted.path.empty() ? std::filesystem::path("/") : asGiven(wanted.path);
         return trashFromMap(session, mapped, wanted.trash, wanted.isSure ? Consent::given : Consent::asked);
     }
+    if (wanted.page) {
+        if (auto allowed = mayWritePage(session, *wanted.page); !allowed) return allowed;
+    }
     const auto target = wanted.path.empty() ? SpaceScanTarget::bootVolume(bootVolumeName)
                                             : SpaceScanTarget::choose(asGiven(wanted.path), bootVolumeName);
     const ScanResult result = scanWithProgress(session, options, target);
+    const auto hidden = hiddenSpaceOf(result);
     // The document holds every node: it is made only to be printed.
     if (session.output.isForPeople()) {
-        if (!result.tree.problem) showMap(session.output, session.guards, result, wanted.extent);
-    } else if (auto shown = session.output.document(documentOf(result.tree, result.hidden())); !shown) {
+        if (!result.tree.problem) showMap(session.output, session.guards, result.tree, hidden, wanted.extent);
+    } else if (auto shown = session.output.document(documentOf(result.tree, hidden)); !shown) {
         return shown;
     }
-    const auto shortcoming = shortcomingOf(session, result);
-    if (!shortcoming) return {};
-    return std::unexpected(Failure{.sentences = {*shortcoming}, .document = Failure::Document::written});
+    Failure failure;
+    failure.document = Failure::Document::written;
+    if (const auto shortcoming = shortcomingOf(session, result)) failure.sentences.push_back(*shortcoming);
+    if (wanted.page && !result.tree.problem) {
+        if (auto written = writePage(session, result.tree, hidden, *wanted.page); !written)
+            failure.sentences.push_back(written.error().sentences.front());
+    }
+    if (failure.sentences.empty()) return {};
+    return std::unexpected(std::move(failure));
 }
 
 }  // namespace
@@ -98,10 +130,14 @@ void addMapCommand(CLI::App& app, Command& chosen) {
         *command, "--depth", "N", parseCount,
         [wanted](int count) { wanted->extent.levels = static_cast<std::size_t>(count); },
         "Print so many levels of folders");
+    auto* const page = addParsed(
+        *command, "--html", "FILE", parsePage, [wanted](std::filesystem::path file) { wanted->page = std::move(file); },
+        "Also write the map as one page for a browser");
     auto* const trash = takesMany(addParsed(
         *command, "--trash", "ITEM", [](std::string item) { return Parsed<std::filesystem::path>(asGiven(item)); },
         [wanted](std::filesystem::path item) { wanted->trash.push_back(std::move(item)); },
         "Move these files and folders, which lie in PATH, to the Trash"));
+    trash->excludes(page);
     command->add_flag("--yes", wanted->isSure, "Move them without asking")->needs(trash);
     command->fallthrough()->callback([&chosen, wanted] {
         chosen = [wanted](Program& program) {

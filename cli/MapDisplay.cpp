@@ -9,6 +9,7 @@
 #include "base/SpaceFormat.h"
 #include "base/Visit.h"
 #include "platform/SystemKind.h"
+#include "spacemap/NodeSentences.h"
 
 namespace vostrel::cli {
 
@@ -89,8 +90,7 @@ void showUnmeasured(Output& output, const PathGuards& guards, const SpaceTree& t
     for (Index index = 1; index < std::ssize(tree.nodes); ++index) {
         const SpaceNode& node = tree.at(index);
         if (!node.isMarker() || ++markers > mostMarkersShown) continue;
-        rows.push_back(
-            {guards.displayPath(*tree.userPath(index)), {std::string(shownText(*node.unreadable)), Style::dim}});
+        rows.push_back({guards.displayPath(*tree.userPath(index)), {unmeasuredSentences(node).front(), Style::dim}});
     }
     if (markers == 0 && root.unreadableCount == 0) return;
     output.line();
@@ -103,25 +103,29 @@ void showUnmeasured(Output& output, const PathGuards& guards, const SpaceTree& t
 }
 
 void showHidden(Output& output, const HiddenSpace& space) {
+    std::vector<Output::Row> rows = {{SpaceFormat::bytes(space.used), "used on this disk"},
+                                     {SpaceFormat::bytes(space.measured), "found"},
+                                     {SpaceFormat::bytes(space.hidden.value_or(0)), "hidden"}};
+    if (space.swapFiles) rows.push_back({SpaceFormat::bytes(*space.swapFiles), "of it in swap files"});
+    if (space.purgeable) rows.push_back({SpaceFormat::bytes(*space.purgeable), "purgeable"});
+    if (const auto count = space.localSnapshotCount)
+        rows.push_back({grouped(*count), *count == 1 ? "local snapshot" : "local snapshots"});
     output.line();
-    output.table({{SpaceFormat::bytes(space.used), "used on this disk"},
-                  {SpaceFormat::bytes(space.measured), "found"},
-                  {SpaceFormat::bytes(space.hidden.value_or(0)), "hidden"}},
-                 {Alignment::right, Alignment::left});
+    output.table(rows, {Alignment::right, Alignment::left});
     for (const std::string& sentence : space.sentences(systemKind()))
         output.line({{sentence, Style::dim}});
 }
 
 }  // namespace
 
-void showMap(Output& output, const PathGuards& guards, const ScanResult& result, const MapExtent& extent) {
-    const SpaceTree& tree = result.tree;
+void showMap(Output& output, const PathGuards& guards, const SpaceTree& tree, const std::optional<HiddenSpace>& hidden,
+             const MapExtent& extent) {
     const SpaceNode& root = tree.root();
     output.line({{guards.displayPath(*tree.userPath(0)), Style::bold},
                  fmt::format("  {} in {}", SpaceFormat::bytes(root.bytes), counted(root.files, "file", "files"))});
     output.table(MapRows(tree, extent).all(), {Alignment::right, Alignment::left, Alignment::right, Alignment::left});
     showUnmeasured(output, guards, tree);
-    if (const auto hidden = result.hidden()) showHidden(output, *hidden);
+    if (hidden) showHidden(output, *hidden);
 }
 
 std::string problemSentence(const SpaceTree::RootProblem& problem, const std::string& shownPath) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "cli/Output.h"
 #include "filesystem/PathGuards.h"
-#include "spacemap/SystemSpaceScanner.h"
+#include "spacemap/HiddenSpace.h"
+#include "spacemap/SpaceTree.h"
 
 namespace vostrel::cli {
 
@@ -17,7 +19,8 @@ struct MapExtent {
 
 /// Prints the largest folders and files of a map as a tree, what was not measured, and of a whole disk what no folder
 /// accounts for.
-void showMap(Output& output, const PathGuards& guards, const ScanResult& result, const MapExtent& extent);
+void showMap(Output& output, const PathGuards& guards, const SpaceTree& tree, const std::optional<HiddenSpace>& hidden,
+             const MapExtent& extent);
 
 /// Why a map has nothing but its root.
 [[nodiscard]] std::string problemSentence(const SpaceTree::RootProblem& problem, const std::string& shownPath);

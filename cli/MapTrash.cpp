@@ -22,13 +22,22 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// Why no rule could take the item. What is said of a folder as a rule's would send its reader to choose another
+/// folder.
+std::string whyNot(const Session& session, const fs::path& item, const PlanError& error) {
+    if (error.kind != PlanError::Kind::protectedRoot) return error.sentence;
+    if (auto refusal = session.guards.refusalForItem(item)) return *std::move(refusal);
+    return fmt::format("Vostrel removes nothing that lies directly in {}. Move it to the Trash yourself.",
+                       session.guards.displayPath(item.parent_path()));
+}
+
 /// The preview of one item, or the sentence that says why it stays.
 std::expected<CleanupPlan, std::string> planned(Session& session, const fs::path& mapped, const fs::path& item) {
     const std::string shown = session.guards.displayPath(item);
     if (item == mapped || !holds(mapped, item.parent_path()))
         return std::unexpected(fmt::format("{} does not lie in {}.", shown, session.guards.displayPath(mapped)));
     auto plan = planOfChosenItem(session.planner(), item, session.clock(), &Interrupt::requested);
-    if (!plan) return std::unexpected(fmt::format("{}: {}", shown, plan.error().sentence));
+    if (!plan) return std::unexpected(fmt::format("{}: {}", shown, whyNot(session, item, plan.error())));
     if (!plan->items.empty()) return *std::move(plan);
     if (plan->skipped.empty()) return std::unexpected("There is nothing at " + shown + ".");
     const SkippedItem& left = plan->skipped.front();

@@ -42,10 +42,11 @@ struct SystemProbes {
     /// Asks everything, one after the other. What the deadline leaves no time for stays not checked, and what is asked
     /// shortly before it has no longer than until then. Blocks; any thread that the runner allows.
     [[nodiscard]] ProbeResults run(const WalkBudget& budget) const;
-
-private:
+    /// One of them alone.
     [[nodiscard]] ProbeValue<SwapUsage> swap(const WalkBudget& budget) const;
     [[nodiscard]] ProbeValue<std::vector<std::string>> localSnapshots(const WalkBudget& budget) const;
+
+private:
     [[nodiscard]] ProbeValue<UpdatePlistInfo> updatePlist(const WalkBudget& budget) const;
     [[nodiscard]] ProbeValue<std::vector<SimulatorImage>> simulatorImages(const WalkBudget& budget) const;
     [[nodiscard]] ProbeValue<std::vector<MemoryConsumer>> memory(const WalkBudget& budget) const;

@@ -117,4 +117,10 @@ std::string spacePage(const SpaceTree& tree, std::span<const std::string> remark
     return page;
 }
 
+bool isSpacePage(std::string_view content) {
+    constexpr std::string_view mark = "<meta name=\"generator\" content=\"Vostrel space map\">";
+    const std::string_view start = spacePageTemplate.substr(0, spacePageTemplate.find(mark) + mark.size());
+    return content.starts_with(start);
+}
+
 }  // namespace vostrel

@@ -2,6 +2,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "spacemap/SpaceTree.h"
 
@@ -12,5 +13,8 @@ namespace vostrel {
 ///
 /// `remarks` are sentences on the map as a whole, shown below its title. The tree's links must be sound.
 [[nodiscard]] std::string spacePage(const SpaceTree& tree, std::span<const std::string> remarks);
+
+/// Whether this is such a page, of any map.
+[[nodiscard]] bool isSpacePage(std::string_view content);
 
 }  // namespace vostrel

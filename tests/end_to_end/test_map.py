@@ -30,7 +30,7 @@ class MapTest(ProgramTest):
             self.make(f"Notes/{number}", 5_000)
         os.link(self.home / "Films/film", self.home / "Notes/film again")
         os.symlink(self.home / "Notes", self.home / "Films/link")
-        for name in (b"two\nlines", b"\xff\xfe", "Café".encode(), b"\x1b[31m"):
+        for name in (b"two\nlines", b"\xff\xfe", "Café".encode(), b"\x1b[31m", b"<script>"):
             folder = os.path.join(os.fsencode(self.home), b"odd", name)
             os.makedirs(folder)
             with open(os.path.join(folder, name), "wb") as file:
@@ -48,7 +48,7 @@ class MapTest(ProgramTest):
 
     def test_a_map_shows_the_largest_and_writes_odd_names_so_that_they_cannot_steer_a_terminal(self):
         lines = self.succeed("map", self.home, "--depth", "2").out.splitlines()
-        self.assertRegex(lines[0], r"^~  4\.\d MB in 66 files$")
+        self.assertRegex(lines[0], r"^~  4\.\d MB in 67 files$")
         self.assertRegex(lines[1], r"^ +4\.\d MB +█+ +\d\d% +Films/$")
         self.assertRegex(lines[2], r"^ +3\.\d MB +█+ +\d\d% +  film$")
         text = "\n".join(lines)
@@ -64,6 +64,25 @@ class MapTest(ProgramTest):
             result = self.run_program("--json", "map", self.home / path)
             self.assertEqual((result.status, result.err), (1, sentence + "\n"))
             self.assertEqual((result.document["problem"], len(result.document["nodes"])), (problem, 1))
+
+    def test_a_page_takes_the_place_of_nothing_but_a_page(self):
+        page = self.home / "map.html"
+        for _ in ("new", "again"):
+            said = self.succeed("map", self.home / "odd", "--html", page).out.splitlines()
+            self.assertEqual(said[-1], "The page is in ~/map.html.")
+        text = page.read_text()
+        for name in (r'"\u003cscript>"', r'"\\xff\\xfe"', '"Café"'):
+            self.assertIn(name, text)
+        self.assertEqual(text.count("<script"), 2, "its own")
+
+        os.symlink(page, self.home / "link.html")
+        self.make("letter", text="Dear")
+        before = tree_of(self.home)
+        for file in ("letter", "link.html", "Films", "none/map.html"):
+            said = self.refuse("map", self.home / "odd", "--html", self.home / file)
+            self.assertRegex(said[0], "^~/.* is there already|^There is no folder ~/none", file)
+        self.run_program("map", self.home / "letter", "--html", self.home / "other.html")
+        self.assertEqual(tree_of(self.home), before)
 
     def test_ctrl_c_leaves_the_map_of_what_was_seen(self):
         running = subprocess.Popen([PROGRAM, "--home", self.home, "--json", "map", "/"], stdout=subprocess.PIPE,
@@ -86,7 +105,7 @@ class MapTest(ProgramTest):
             self.home / "Films/none": "There is nothing at ~/Films/none.",
             self.home / "Documents": "Vostrel",
             self.home / "Films/link": "a link",
-            self.home / "Films": "as a whole",
+            self.home / "Films": "nothing that lies directly in ~. Move it to the Trash yourself.",
             "/etc/hostname": "does not lie in ~.",
         }
         for item, words in refusals.items():

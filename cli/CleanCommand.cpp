@@ -48,13 +48,13 @@ RunReport carriedOut(Session& session, const GlobalOptions& options, const Rule&
     const auto progress = std::make_shared<ProgressBox<CleanProgress>>();
     CleanupRunner::Present present = cleaning.presentOf(rule);
     present.progress = [progress](const PlannedItem& item) {
-        const auto before = progress->get();
+        const auto before = progress->read();
         progress->set(
             {before.item + 1, saturatingAdd(before.bytesBefore, before.bytes), item.bytes, item.url.native()});
     };
     const RunControl control(&Interrupt::requested);
     const ProgressLine line(options, [&session, progress] {
-        const auto now = progress->get();
+        const auto now = progress->read();
         if (now.item == 0) return std::string("Looking at the rule's folders");
         return fmt::format("Item {}, {} before it, {} in it  {}", grouped(now.item),
                            SpaceFormat::bytes(now.bytesBefore), SpaceFormat::bytes(now.bytes),

@@ -38,7 +38,7 @@ std::expected<CleanupPlan, PlanError> planWithProgress(Session& session, const G
     planner.progress = progress;
     const auto begun = std::chrono::steady_clock::now();
     const ProgressLine line(options, [&, begun] {
-        return described(progress->get(), session.guards, std::chrono::steady_clock::now() - begun);
+        return described(progress->read(), session.guards, std::chrono::steady_clock::now() - begun);
     });
     return planner.plan(rule, session.clock(), &Interrupt::requested);
 }

@@ -16,13 +16,21 @@ AccessDecision blocked(UnreadableReason reason) {
     return {reason};
 }
 
-/// Whether the name of the place, or of a folder above it, ends in one of these extensions.
+/// Whether a component ends where this text of a path does.
+bool endsComponent(std::string_view text, std::size_t length) {
+    return text.size() == length || text[length] == '/';
+}
+
+/// Whether the name of the place, or of a folder above it, ends in one of these extensions. Goes from dot to dot, for
+/// most paths have few: a walk asks this of every folder.
 bool hasExtension(const PathForm& form, std::span<const std::string_view> extensions) {
-    std::string_view rest = form.key();
-    for (auto name = takeComponent(rest); !name.empty(); name = takeComponent(rest)) {
-        const auto dot = name.rfind('.');
-        if (dot == std::string_view::npos) continue;
-        if (std::ranges::find(extensions, name.substr(dot + 1)) != extensions.end()) return true;
+    const std::string_view key = form.key();
+    for (auto dot = key.find('.'); dot != std::string_view::npos; dot = key.find('.', dot + 1)) {
+        const std::string_view rest = key.substr(dot + 1);
+        const bool isAny = std::ranges::any_of(extensions, [&](std::string_view extension) {
+            return rest.starts_with(extension) && endsComponent(rest, extension.size());
+        });
+        if (isAny) return true;
     }
     return false;
 }
@@ -64,7 +72,7 @@ SnapshotAccess::SnapshotAccess(std::filesystem::path home, bool fullDiskAccess, 
 }
 
 AccessDecision SnapshotAccess::decision(const std::string& path) const {
-    const auto form = PathForm::of(path);
+    const auto form = PathForm::ofText(path);
     return form ? decision(*form) : blocked(UnreadableReason::couldNotRead);
 }
 
@@ -95,9 +103,10 @@ bool SnapshotAccess::isInsideMediaLibrary(const PathForm& form) {
 }
 
 bool SnapshotAccess::reachesByNumber(const PathForm& form) {
-    std::string_view rest = form.key();
-    for (auto name = takeComponent(rest); !name.empty(); name = takeComponent(rest)) {
-        if (name == ".vol") return true;
+    constexpr std::string_view name = "/.vol";
+    const std::string_view key = form.key();
+    for (auto at = key.find(name); at != std::string_view::npos; at = key.find(name, at + 1)) {
+        if (endsComponent(key.substr(at), name.size())) return true;
     }
     return false;
 }

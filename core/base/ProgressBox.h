@@ -13,10 +13,12 @@ public:
         const std::lock_guard guard(lock);
         value = std::move(newest);
     }
-    [[nodiscard]] Value get() const {
+    [[nodiscard]] Value read() const {
         const std::lock_guard guard(lock);
         return value;
     }
+    /// As though nothing had been put in yet.
+    void reset() { set({}); }
 
 private:
     mutable std::mutex lock;

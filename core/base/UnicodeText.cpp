@@ -21,7 +21,9 @@ const utf8proc_uint8_t* bytesOf(std::string_view text) {
 }
 
 void appendLowerASCII(std::string& out, std::string_view text) {
-    std::ranges::transform(text, std::back_inserter(out), lowerASCII);
+    const auto start = static_cast<std::ptrdiff_t>(out.size());
+    out.append(text);
+    std::for_each(out.begin() + start, out.end(), [](char& letter) { letter = lowerASCII(letter); });
 }
 
 /// The text mapped by utf8proc, or nothing where it is not valid UTF-8.

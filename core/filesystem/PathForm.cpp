@@ -18,7 +18,20 @@ std::size_t lengthOf(std::string_view path, std::size_t components) {
     return end;
 }
 
+/// Whether no component is empty, "." or "..": so are the paths that a walk makes.
+bool isStandardised(std::string_view path) {
+    for (std::size_t slash = 0; slash < path.size(); slash = std::min(path.find('/', slash + 1), path.size())) {
+        const std::string_view rest = path.substr(slash + 1);
+        if (rest.empty() || rest.front() == '/') return false;
+        if (rest.front() != '.') continue;
+        const std::string_view component = rest.substr(0, rest.find('/'));
+        if (component == "." || component == "..") return false;
+    }
+    return true;
+}
+
 std::string standardised(std::string_view path) {
+    if (isStandardised(path)) return std::string(path);
     std::string plain;
     plain.reserve(path.size());
     for (auto component = takeComponent(path); !component.empty(); component = takeComponent(path)) {
@@ -42,14 +55,16 @@ std::string_view takeComponent(std::string_view& path) {
     return component;
 }
 
-std::optional<PathForm> PathForm::of(const std::filesystem::path& path) {
-    const std::string& text = path.native();
-    if (!text.starts_with('/') || text.find('\0') != std::string::npos) return std::nullopt;
+std::optional<PathForm> PathForm::ofText(std::string_view path) {
+    if (!path.starts_with('/') || path.find('\0') != std::string_view::npos) return std::nullopt;
 
     PathForm form;
-    form.spelled = standardised(text);
+    form.spelled = standardised(path);
+    form.folded.reserve(form.spelled.size());
     // Component by component: folding a whole path at once could compose across a slash.
-    std::string_view rest = form.spelled;
+    const bool hasNothingToCompose = isASCII(form.spelled);
+    if (hasNothingToCompose) appendFolded(form.folded, form.spelled);
+    std::string_view rest = hasNothingToCompose ? std::string_view() : form.spelled;
     for (auto component = takeComponent(rest); !component.empty(); component = takeComponent(rest)) {
         form.folded += '/';
         appendFolded(form.folded, component);

@@ -17,7 +17,9 @@ namespace vostrel {
 class PathForm {
 public:
     /// Nothing for a path that is empty, relative or holds a NUL.
-    static std::optional<PathForm> of(const std::filesystem::path& path);
+    static std::optional<PathForm> of(const std::filesystem::path& path) { return ofText(path.native()); }
+    /// The same without a path made of the text first, which takes it apart: for the many folders of a walk.
+    static std::optional<PathForm> ofText(std::string_view path);
 
     /// "/users/a/library"; empty for the top of the disk.
     [[nodiscard]] const std::string& key() const { return folded; }

@@ -207,7 +207,7 @@ std::optional<GuardException> PathGuards::exceptionIn(const std::filesystem::pat
 }
 
 PathGuards::Region PathGuards::regionOf(const PathForm& form) const {
-    const auto standing = places->tree.standing(form);
+    const auto standing = places->tree.standingAmongPlaces(form);
     if (standing.inOthersHome) return Region::othersHome;
     return standing.systemTree ? Region::system : Region::open;
 }

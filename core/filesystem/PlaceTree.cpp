@@ -34,6 +34,15 @@ PlaceTree::Standing PlaceTree::standingBelow(Standing standing, std::string_view
     return standing;
 }
 
+PlaceTree::Standing PlaceTree::standingAmongPlaces(const PathForm& form) const {
+    Standing standing;
+    std::string_view rest = form.key();
+    for (auto name = takeComponent(rest); !name.empty() && standing.node != none; name = takeComponent(rest)) {
+        step(standing, name);
+    }
+    return standing;
+}
+
 void PlaceTree::step(Standing& standing, std::string_view name) const {
     const Marks above = marks(standing.node);
     standing.node = childOf(standing.node, name);

@@ -87,6 +87,9 @@ public:
     void addWayTo(const PathForm& ownHome);
 
     [[nodiscard]] Standing standing(const PathForm& form) const { return standingBelow({}, form.key()); }
+    /// The same as far down as there are places: whose tree or home the path lies in is known by then, what is
+    /// protected by its name alone is not. For the many folders of a walk.
+    [[nodiscard]] Standing standingAmongPlaces(const PathForm& form) const;
     /// Where the path stands some components, in their folded form, further down.
     [[nodiscard]] Standing standingBelow(Standing standing, std::string_view key) const;
 

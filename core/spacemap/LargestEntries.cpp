@@ -20,7 +20,6 @@ void LargestEntries::offer(std::string_view name, std::int64_t bytes, std::uint6
 const std::vector<LargestEntries::Entry>& LargestEntries::settle(std::int64_t floor) {
     reduce();
     std::erase_if(entries, [&](const Entry& entry) { return entry.bytes <= floor; });
-    std::ranges::sort(entries, [&](const Entry& left, const Entry& right) { return isFirst(left, right); });
     return entries;
 }
 

@@ -28,13 +28,16 @@ public:
     void wants(std::size_t count) { wanted = count; }
     void offer(std::string_view name, std::int64_t bytes, std::uint64_t number);
 
-    /// Those of more than `floor` bytes, largest first. Nothing is offered from then on.
+    /// Those of more than `floor` bytes, in any order. Nothing is offered from then on.
     [[nodiscard]] const std::vector<Entry>& settle(std::int64_t floor);
     [[nodiscard]] std::string_view nameOf(const Entry& entry) const {
         return std::string_view(names).substr(entry.nameStart, entry.nameLength);
     }
     /// The size of the largest that gave way to others by number; 0 for none.
     [[nodiscard]] std::int64_t largestLeftOut() const { return leftOut; }
+
+    /// How many are held: more than are wanted before they are settled.
+    [[nodiscard]] std::size_t count() const { return entries.size(); }
 
     /// Forgets everything and keeps its memory.
     void clear();

@@ -49,10 +49,10 @@ void SpaceAccounting::prepare(const WalkedFolder& folder, const FolderNotes* /*p
 
 WalkDecision SpaceAccounting::decide(const WalkedFolder& folder, const FolderNotes& /*around*/) {
     if (failure) return walkDecisionOf(AccessDecision{failure});  // there will be no sum to add to
-    const std::string path(folder.path);
-    if (setting.volumeRoots.contains(path)) return otherVolumeDecision;
-    setting.walker.lookedUp(path);
-    return walkDecisionOf(setting.walker.access(path));
+    asked = folder.path;
+    if (setting.volumeRoots.contains(asked)) return otherVolumeDecision;
+    setting.walker.lookedUp(asked);
+    return walkDecisionOf(setting.walker.access(asked));
 }
 
 void SpaceAccounting::leftOut(const WalkedFolder& folder, WalkDecision decision) {
@@ -88,6 +88,7 @@ void SpaceAccounting::listed(const WalkedFolder& folder, const FileStatus& statu
     level.draft.device = status.device;
     level.draft.inode = status.inode;
     if (listsChildren(folder.depth)) {
+        level.draft.children.reserve(1 + std::min(found.largest.count(), setting.limits.maxChildren));
         level.draft.children.push_back(SpaceDraft::aggregate());
     } else {
         level.draft.detail = SpaceDetail::summarized;
@@ -119,9 +120,7 @@ void SpaceAccounting::takeFiles(Level& level, std::int32_t device, SpaceNotes& n
 
     std::int64_t bytesLeft = notes.sums.bytes;
     std::int64_t filesLeft = notes.sums.files;
-    const auto& largest = notes.largest.settle(floor);
-    level.draft.children.reserve(level.draft.children.size() + largest.size());
-    for (const auto& file : largest) {
+    for (const auto& file : notes.largest.settle(floor)) {
         if (file.bytes <= floor) continue;  // a compaction has raised it meanwhile
         level.draft.adopt(SpaceDraft::file(std::string(notes.largest.nameOf(file)), file.bytes, device, file.number));
         bytesLeft -= file.bytes;

@@ -85,6 +85,7 @@ private:
 
     const Setting setting;
     std::string title;
+    std::string asked;          // a path as a string of its own, in memory that serves again
     std::vector<Level> levels;  // the root first
     SpaceDraft root;
     std::optional<UnreadableReason> failure;

@@ -13,7 +13,7 @@ SpaceMapAccess::SpaceMapAccess(SnapshotAccess base, Scope scope) : snapshotAcces
 }
 
 AccessDecision SpaceMapAccess::decision(const std::string& path) const {
-    const auto form = PathForm::of(path);
+    const auto form = PathForm::ofText(path);
     if (!form) return {UnreadableReason::couldNotRead};
     if (std::ranges::any_of(leftOutForms, [&](const PathForm& place) { return place.contains(*form); }))
         return {UnreadableReason::systemPlace};

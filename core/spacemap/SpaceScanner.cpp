@@ -30,6 +30,7 @@ SpaceTree::Ending endingOf(FolderWalk::Ending ending, const WalkBudget& budget) 
 SpaceTree SpaceScanner::scan(const std::string& path, std::string name, const WalkBudget& budget,
                              ScanProgressBox* progress, LinkSet& links, Date now) const {
     const std::uint64_t start = clock();
+    if (progress != nullptr) progress->reset();
     const auto elapsed = [&] {
         return std::chrono::duration<double>(std::chrono::nanoseconds(clock() - start)).count();
     };

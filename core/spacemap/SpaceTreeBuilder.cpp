@@ -14,46 +14,72 @@ namespace {
 
 using Markers = SpaceTreeBuilder::Markers;
 
-/// An entry that a cut may fold, and how many nodes go with it at least.
+/// The size of an entry that a cut may fold, and how many nodes go with it at least.
 struct Foldable {
-    const SpaceDraft* draft = nullptr;
+    std::int64_t bytes = 0;
     std::size_t weight = 1;
 };
 
 /// Everything below some folders that a cut may fold, and the nodes that stay whatever the cut.
-struct Inventory {
-    std::vector<Foldable> entries;
-    std::size_t fixed = 0;
-
-    void take(const SpaceDraft& folder, Markers markers) {
-        fixed += 1 + unfoldable(folder, markers);
-        takeChildren(folder, markers);
+class Inventory {
+public:
+    Inventory(std::span<SpaceDraft* const> folders, Markers wanted) : stack(folders), markers(wanted) {
+        each([this](const SpaceDraft& draft, std::size_t weight) {
+            entries.push_back({draft.bytes, weight});
+            foldableNodes += weight;
+            largest = std::max(largest, draft.bytes);
+        });
     }
 
+    [[nodiscard]] std::size_t nodeCount() const { return fixedNodes + foldableNodes; }
+    [[nodiscard]] std::size_t markerCount() const { return markersMet; }
+    [[nodiscard]] SpaceCut cutToFit(std::size_t target) &&;
+
 private:
-    void takeChildren(const SpaceDraft& folder, Markers markers) {
+    template <class Visit>
+    void each(Visit visit) {
+        for (const SpaceDraft* folder : stack) {
+            fixedNodes += 1 + unfoldable(*folder);
+            eachBelow(*folder, visit);
+        }
+    }
+
+    template <class Visit>
+    void eachBelow(const SpaceDraft& folder, Visit& visit) {
         const bool keepsAll = !folder.hasAggregate();
         for (const SpaceDraft& child : folder.children) {
             if (child.isAggregate() || child.isMarker()) continue;
-            const std::size_t weight = 1 + unfoldable(child, markers);
+            const std::size_t weight = 1 + unfoldable(child);
             if (keepsAll) {
-                fixed += weight;
+                fixedNodes += weight;
             } else {
-                entries.push_back({&child, weight});
+                visit(child, weight);
             }
-            takeChildren(child, markers);
+            eachBelow(child, visit);
         }
     }
 
     /// The children that stay as long as their folder does, but for those of a folder without an aggregate, which are
     /// counted one by one.
-    static std::size_t unfoldable(const SpaceDraft& folder, Markers markers) {
+    [[nodiscard]] std::size_t unfoldable(const SpaceDraft& folder) {
         const bool foldsMarkers = markers == Markers::folded && folder.hasAggregate();
         std::size_t count = 0;
-        for (const SpaceDraft& child : folder.children)
+        for (const SpaceDraft& child : folder.children) {
+            markersMet += child.isMarker() ? 1 : 0;
             count += child.isAggregate() || (child.isMarker() && !foldsMarkers) ? 1 : 0;
+        }
         return count;
     }
+
+    [[nodiscard]] SpaceCut cutByName(std::size_t room);
+
+    std::span<SpaceDraft* const> stack;
+    Markers markers;
+    std::vector<Foldable> entries;
+    std::int64_t largest = 0;
+    std::size_t fixedNodes = 0;
+    std::size_t foldableNodes = 0;
+    std::size_t markersMet = 0;
 };
 
 bool isShownFirst(const SpaceDraft& left, const SpaceDraft& right) {
@@ -66,14 +92,43 @@ SpaceCut cutAbove(std::int64_t bytes) {
     return isLargest ? SpaceCut::keepsNone() : SpaceCut::atLeast(bytes + 1);
 }
 
-/// The cut within the entries of one size, largest there are, that leaves at most `room` nodes of them.
-SpaceCut cutByName(std::span<Foldable> equals, std::size_t room) {
+/// The size of the entry with which all that are as large or larger come to more than `room` nodes. Puts the entries
+/// into another order; together they come to more.
+std::int64_t sizeAtWhichItIsFull(std::span<Foldable> entries, std::size_t room) {
+    while (entries.size() > 1) {
+        const std::size_t half = (entries.size() + 1) / 2;
+        const auto middle = entries.begin() + static_cast<std::ptrdiff_t>(half) - 1;
+        std::nth_element(entries.begin(), middle, entries.end(),
+                         [](const Foldable& left, const Foldable& right) { return left.bytes > right.bytes; });
+        std::size_t weight = 0;
+        for (const Foldable& entry : entries.first(half))
+            weight += entry.weight;
+        if (weight > room) {
+            entries = entries.first(half);
+        } else {
+            room -= weight;
+            entries = entries.subspan(half);
+        }
+    }
+    return entries.front().bytes;
+}
+
+SpaceCut Inventory::cutToFit(std::size_t target) && {
+    if (fixedNodes > target) return SpaceCut::keepsNone();
+    const std::size_t room = target - fixedNodes;
+    if (foldableNodes <= room) return SpaceCut::atLeast(0);
+    const std::int64_t bytes = sizeAtWhichItIsFull(entries, room);
+    return bytes == largest ? cutByName(room) : cutAbove(bytes);
+}
+
+/// The cut within the entries of the largest size that leaves at most `room` nodes of them.
+SpaceCut Inventory::cutByName(std::size_t room) {
     std::vector<std::pair<std::string, std::size_t>> names;
-    names.reserve(equals.size());
-    for (const auto& [draft, weight] : equals)
-        names.emplace_back(folded(draft->name), weight);
+    each([&](const SpaceDraft& draft, std::size_t weight) {
+        if (draft.bytes == largest) names.emplace_back(folded(draft.name), weight);
+    });
     std::ranges::sort(names);
-    SpaceCut cut = cutAbove(equals.front().draft->bytes);
+    SpaceCut cut = cutAbove(largest);
     std::size_t used = 0;
     for (std::size_t at = 0; at < names.size();) {
         // The same name in several folders stands or falls together.
@@ -81,7 +136,7 @@ SpaceCut cutByName(std::span<Foldable> equals, std::size_t room) {
         for (; end < names.size() && names[end].first == names[at].first; ++end)
             used += names[end].second;
         if (used > room) break;
-        cut = {equals.front().draft->bytes, names[at].first};
+        cut = {largest, names[at].first};
         at = end;
     }
     return cut;
@@ -101,19 +156,16 @@ struct Parts {
     std::span<SpaceDraft> markers;
 };
 
-/// Folds the children that `isFolded` names into the aggregate; returns how many nodes went with them.
+/// Folds the children that `isFolded` names into the aggregate.
 template <class Test>
-std::size_t foldChildren(SpaceDraft& folder, Test isFolded) {
+void foldChildren(SpaceDraft& folder, Test isFolded) {
     SpaceDraft& aggregate = folder.children.front();
-    std::size_t nodes = 0;
     const auto gone = std::remove_if(folder.children.begin() + 1, folder.children.end(), [&](const SpaceDraft& child) {
         if (!isFolded(child)) return false;
         aggregate.fold(child);
-        nodes += child.nodeCount();
         return true;
     });
     folder.children.erase(gone, folder.children.end());
-    return nodes;
 }
 
 /// Puts the first `most` in front, in any order; the last of them there.
@@ -132,12 +184,15 @@ void foldBeyond(SpaceDraft& folder, std::span<SpaceDraft> entries, std::size_t m
 }
 
 /// Children in the order of a finished map, without an aggregate that stands for nothing.
-void arrange(std::vector<SpaceDraft>& children) {
-    std::ranges::sort(children, [](const SpaceDraft& left, const SpaceDraft& right) {
-        if (left.isAggregate() != right.isAggregate()) return right.isAggregate();
-        return isShownFirst(left, right);
+void arrange(std::vector<SpaceDraft>& children, std::vector<SpaceDraft*>& arranged) {
+    arranged.clear();
+    for (SpaceDraft& child : children) {
+        if (!child.isAggregate() || child.entries > 0) arranged.push_back(&child);
+    }
+    std::ranges::sort(arranged, [](const SpaceDraft* left, const SpaceDraft* right) {
+        if (left->isAggregate() != right->isAggregate()) return right->isAggregate();
+        return isShownFirst(*left, *right);
     });
-    if (!children.empty() && children.back().isAggregate() && children.back().entries == 0) children.pop_back();
 }
 
 SpaceNode nodeOf(SpaceDraft& draft) {
@@ -158,37 +213,10 @@ SpaceNode nodeOf(SpaceDraft& draft) {
     return node;
 }
 
-std::size_t markerCount(const SpaceDraft& draft) {
-    std::size_t count = draft.isMarker() ? 1 : 0;
-    for (const SpaceDraft& child : draft.children)
-        count += markerCount(child);
-    return count;
-}
-
 }  // namespace
 
 SpaceCut SpaceTreeBuilder::floorToFit(std::span<SpaceDraft* const> stack, std::size_t target, Markers markers) {
-    Inventory inventory;
-    for (const SpaceDraft* folder : stack)
-        inventory.take(*folder, markers);
-    if (inventory.fixed > target) return SpaceCut::keepsNone();
-    auto& entries = inventory.entries;
-    std::ranges::sort(entries, std::greater(), [](const Foldable& entry) { return entry.draft->bytes; });
-
-    std::size_t used = inventory.fixed;
-    for (std::size_t at = 0; at < entries.size();) {
-        const std::int64_t bytes = entries[at].draft->bytes;
-        const std::size_t usedBefore = used;
-        std::size_t end = at;
-        for (; end < entries.size() && entries[end].draft->bytes == bytes; ++end)
-            used += entries[end].weight;
-        if (used > target) {
-            const auto equals = std::span(entries).subspan(at, end - at);
-            return at == 0 ? cutByName(equals, target - usedBefore) : cutAbove(bytes);
-        }
-        at = end;
-    }
-    return SpaceCut::atLeast(0);
+    return Inventory(stack, markers).cutToFit(target);
 }
 
 void SpaceTreeBuilder::compact(std::span<SpaceDraft* const> inProgress, const SpaceCut& cut, Markers markers) {
@@ -209,7 +237,8 @@ void SpaceTreeBuilder::prune(SpaceDraft& draft, const SpaceCut& cut, Markers mar
 SpaceTreeBuilder::Folded SpaceTreeBuilder::limitChildren(SpaceDraft& folder, std::size_t most,
                                                          std::size_t mostMarkers) {
     Folded gone;
-    if (!folder.hasAggregate()) return gone;
+    const bool hasFew = folder.children.size() <= std::min(most, mostMarkers);
+    if (hasFew || !folder.hasAggregate()) return gone;
     const Parts parts(folder);
     selectFirst(parts.sized, most);
     selectFirst(parts.markers, mostMarkers);
@@ -227,33 +256,40 @@ SpaceTreeBuilder::Folded SpaceTreeBuilder::limitChildren(SpaceDraft& folder, std
 SpaceTreeBuilder::Folded SpaceTreeBuilder::settleChildren(SpaceDraft& folder, std::size_t most, std::size_t mostMarkers,
                                                           std::int64_t largestFolded) {
     Folded gone = limitChildren(folder, most, mostMarkers);
+    const std::int64_t largestGone = std::max(largestFolded, gone.largest);
+    if (largestGone == 0) return gone;
     const auto isSized = [](const SpaceDraft& child) { return !child.isAggregate() && !child.isMarker(); };
     std::int64_t smallest = std::numeric_limits<std::int64_t>::max();
     for (const SpaceDraft& child : folder.children) {
         if (isSized(child)) smallest = std::min(smallest, child.bytes);
     }
-    if (!folder.hasAggregate() || smallest != std::max(largestFolded, gone.largest)) return gone;
+    if (!folder.hasAggregate() || smallest != largestGone) return gone;
     std::int64_t larger = 0;
     for (const SpaceDraft& child : folder.children) {
         if (isSized(child) && child.bytes > smallest) larger += child.bytes;  // at most the folder's own bytes
     }
     if (larger < folder.bytes - larger) return gone;
-    gone.nodes +=
-        foldChildren(folder, [&](const SpaceDraft& child) { return isSized(child) && child.bytes == smallest; });
+    foldChildren(folder, [&](const SpaceDraft& child) {
+        const bool isFolded = isSized(child) && child.bytes == smallest;
+        if (isFolded) gone.nodes += child.nodeCount();
+        return isFolded;
+    });
     return gone;
 }
 
 SpaceDraft SpaceTreeBuilder::capped(SpaceDraft draft, std::size_t maxNodes) {
-    const std::size_t nodes = draft.nodeCount();
-    if (nodes <= maxNodes) return draft;
-    constexpr std::size_t markersShare = 4;
-    const auto markers = markerCount(draft) > maxNodes / markersShare ? Markers::folded : Markers::kept;
     SpaceDraft* const stack[] = {&draft};
-    SpaceCut cut = floorToFit(stack, maxNodes, markers);
+    Inventory inventory(stack, Markers::kept);
+    if (inventory.nodeCount() <= maxNodes) return draft;
+    constexpr std::size_t markersShare = 4;
+    const auto markers = inventory.markerCount() > maxNodes / markersShare ? Markers::folded : Markers::kept;
+    SpaceCut cut = markers == Markers::kept ? std::move(inventory).cutToFit(maxNodes)
+                                            : floorToFit(stack, maxNodes, Markers::folded);
     // What has no size is no part of the picture; a marker is folded by any cut that folds it at all.
     if (cut == SpaceCut::atLeast(0)) cut = SpaceCut::atLeast(1);
     compact(stack, cut, markers);
-    if (draft.nodeCount() > maxNodes) {
+    // Only what cannot be folded at all is still too much.
+    if (cut == SpaceCut::keepsNone() && draft.nodeCount() > maxNodes) {
         draft.children.clear();
         draft.detail = SpaceDetail::summarized;
     }
@@ -272,19 +308,24 @@ SpaceTree SpaceTreeBuilder::freeze(SpaceDraft draft, std::string rootPath, Space
     tree.stats = stats;
 
     tree.nodes.reserve(draft.nodeCount());
-    std::vector<SpaceDraft*> laidOut = {&draft};
-    laidOut.reserve(tree.nodes.capacity());
     tree.nodes.push_back(nodeOf(draft));
-    for (std::size_t index = 0; index < laidOut.size(); ++index) {
-        auto& children = laidOut[index]->children;
+    // Folder by folder in the order of the walk, in which they lie in memory.
+    std::vector<std::pair<SpaceTree::Index, SpaceDraft*>> folders = {{0, &draft}};
+    std::vector<SpaceDraft*> children;
+    while (!folders.empty()) {
+        const auto [index, folder] = folders.back();
+        folders.pop_back();
+        arrange(folder->children, children);
         if (children.empty()) continue;
-        arrange(children);
-        tree.nodes[index].firstChild = children.empty() ? 0 : static_cast<SpaceTree::Index>(tree.nodes.size());
-        tree.nodes[index].childCount = static_cast<SpaceTree::Index>(children.size());
-        for (SpaceDraft& child : children) {
-            tree.nodes.push_back(nodeOf(child));
-            tree.nodes.back().parent = static_cast<SpaceTree::Index>(index);
-            laidOut.push_back(&child);
+        auto place = static_cast<SpaceTree::Index>(tree.nodes.size());
+        SpaceNode& node = tree.nodes[static_cast<std::size_t>(index)];
+        node.firstChild = place;
+        node.childCount = static_cast<SpaceTree::Index>(children.size());
+        for (SpaceDraft* child : children) {
+            tree.nodes.push_back(nodeOf(*child));
+            tree.nodes.back().parent = index;
+            if (!child->children.empty()) folders.emplace_back(place, child);
+            ++place;
         }
     }
     return tree;

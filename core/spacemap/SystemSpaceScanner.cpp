@@ -18,6 +18,7 @@ ScanResult SystemSpaceScanner::scan(const SpaceScanTarget& target, ScanProgressB
     const Date start = clock();
     const auto root = pathOf(target);
     const SpaceMapAccess access = accessTo(target);
+    const auto capacity = capacityAt(root);
     SpaceScanner scanner;
     scanner.walker = access.base().walker();
     scanner.walker.access = [access](const std::string& path) { return access.decision(path); };
@@ -29,7 +30,7 @@ ScanResult SystemSpaceScanner::scan(const SpaceScanTarget& target, ScanProgressB
     const WalkBudget walkBudget{.deadline = start + budget, .isCancelled = std::move(isCancelled), .clock = clock};
     LinkSet links;
     SpaceTree tree = scanner.scan(root, target.title(), walkBudget, progress, links, start);
-    return {std::move(tree), capacityAt(root), access.base().fullDiskAccess(), target};
+    return {std::move(tree), capacity, access.base().fullDiskAccess(), target};
 }
 
 SpaceMapAccess SystemSpaceScanner::accessTo(const SpaceScanTarget& target) const {

@@ -186,8 +186,8 @@ TEST_F(CleanupPlannerTest, countsEveryFileInItsProgress) {
     make({"cache/a", "cache/folder/b"});
     planner.progress = std::make_shared<ProgressBox<PlanProgress>>();
     (void)planned(ruleOn("cache"));
-    EXPECT_EQ(planner.progress->get().files, 2);
-    EXPECT_EQ(planner.progress->get().bytes, test::sumOnDisk(home / "cache").allocatedBytes);
+    EXPECT_EQ(planner.progress->read().files, 2);
+    EXPECT_EQ(planner.progress->read().bytes, test::sumOnDisk(home / "cache").allocatedBytes);
 }
 
 TEST_F(CleanupPlannerTest, namesWhatItCouldNotMeasureInTime) {

@@ -80,8 +80,8 @@ TEST_F(SpaceScannerTest, showsTheLargeFileAndOneNodeForAHundredThousandSmallOnes
         scanner.limits.transientNodes = transientNodes;
         EXPECT_THAT(shown(scan()), ElementsAre("film 10000000000", "+100000 409600000")) << transientNodes;
     }
-    EXPECT_EQ(progress.get().files, 100'001);
-    EXPECT_EQ(progress.get().bytes, 10'409'600'000);
+    EXPECT_EQ(progress.read().files, 100'001);
+    EXPECT_EQ(progress.read().bytes, 10'409'600'000);
 }
 
 TEST_F(SpaceScannerTest, choosesAmongEqualSizesByName) {
@@ -121,7 +121,7 @@ TEST_F(SpaceScannerTest, marksWhatItDoesNotMeasure) {
     EXPECT_EQ(map.root().notMeasuredCount, 1);
     EXPECT_EQ(map.root().couldNotReadCount(), 2);
     EXPECT_EQ(map.root().leftOutLibraries, 1);
-    EXPECT_EQ(progress.get().unreadable, 3);
+    EXPECT_EQ(progress.read().unreadable, 3);
     for (const auto& line : tree->journal())
         EXPECT_TRUE(line.find("share") == std::string::npos && line.find("closed") == std::string::npos) << line;
 

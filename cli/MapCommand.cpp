@@ -65,6 +65,13 @@ std::optional<HiddenSpace> hiddenSpaceOf(const ScanResult& result) {
     return result.hidden(figures);
 }
 
+CommandResult printDocument(Output& output, const SpaceTree& tree, const std::optional<HiddenSpace>& hidden) {
+    const auto written = writeDocument(tree, hidden, [&](std::string_view piece) { output.documentPiece(piece); });
+    if (!written) return failed("The result could not be written as JSON: " + written.error().text());
+    output.documentPiece("\n");
+    return {};
+}
+
 Parsed<std::filesystem::path> parsePage(const std::string& text) {
     auto file = asGiven(text);
     if (!file.has_filename()) return std::unexpected("must be a file");
@@ -99,10 +106,9 @@ CommandResult map(Session& session, const GlobalOptions& options, const MapOptio
                                             : SpaceScanTarget::choose(asGiven(wanted.path), bootVolumeName);
     const ScanResult result = scanWithProgress(session, options, target);
     const auto hidden = hiddenSpaceOf(result);
-    // The document holds every node: it is made only to be printed.
     if (session.output.isForPeople()) {
         if (!result.tree.problem) showMap(session.output, session.guards, result.tree, hidden, wanted.extent);
-    } else if (auto shown = session.output.document(documentOf(result.tree, hidden)); !shown) {
+    } else if (auto shown = printDocument(session.output, result.tree, hidden); !shown) {
         return shown;
     }
     Failure failure;

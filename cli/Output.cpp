@@ -98,6 +98,10 @@ CommandResult Output::document(const JSONValue& value) {
     return {};
 }
 
+void Output::documentPiece(std::string_view piece) {
+    if (!isForPeople()) write(piece);
+}
+
 void Output::notice(std::string_view sentence) {
     std::fputs((printable(sentence) + "\n").c_str(), stderr);
 }

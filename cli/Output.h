@@ -42,6 +42,8 @@ public:
     void table(const std::vector<Row>& rows, const std::vector<Alignment>& alignments);
     /// The JSON document; nothing in the form for people.
     [[nodiscard]] CommandResult document(const JSONValue& value);
+    /// The next piece of a document that is too large to be held; nothing in the form for people.
+    void documentPiece(std::string_view piece);
     /// A sentence that people should know and that is no failure: to standard error.
     void notice(std::string_view sentence);
     /// Why a command failed: to standard error, and as the document {"error": …}.

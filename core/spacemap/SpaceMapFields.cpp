@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/Visit.h"
+#include "stores/JSONCoding.h"
 
 namespace vostrel {
 
@@ -37,18 +38,39 @@ JSONValue JSONCoder<SpaceNode>::encode(const SpaceNode& node) {
     return JSONObject(std::move(fields));
 }
 
-JSONValue documentOf(const SpaceTree& tree, const std::optional<HiddenSpace>& hidden) {
+std::expected<void, JSONError> writeDocument(const SpaceTree& tree, const std::optional<HiddenSpace>& hidden,
+                                             const std::function<void(std::string_view)>& write) {
     std::vector<JSONMember> fields{
         {"rootPath", encodeJSON(std::filesystem::path(tree.rootPath))},
         {"ending", encodeJSON(tree.ending)},
         {"takenAt", encodeJSON(tree.takenAt)},
         {"duration", tree.duration},
         {"stats", encodeJSON(tree.stats)},
-        {"nodes", encodeJSON(tree.nodes)},
+        {"nodes", JSONArray()},
     };
     if (tree.problem) fields.emplace_back("problem", encodeJSON(*tree.problem));
     if (hidden) fields.emplace_back("hidden", encodeJSON(*hidden));
-    return JSONObject(std::move(fields));
+    const auto encoder = JSONCoding::encoder(JSONLayout::pretty);
+    const auto around = encoder.encode(JSONValue(JSONObject(std::move(fields))));
+    if (!around) return std::unexpected(around.error());
+    // Within a string its quotes would be escaped.
+    constexpr std::string_view start = "\"nodes\": [";
+    const std::size_t place = around->find(start) + start.size();
+    write(std::string_view(*around).substr(0, place));
+    std::string line;
+    for (const SpaceNode& node : tree.nodes) {
+        const auto text = encoder.encode(node);
+        if (!text) return std::unexpected(text.error());
+        line = &node == &tree.nodes.front() ? "\n    " : ",\n    ";
+        for (const char letter : *text) {
+            line += letter;
+            if (letter == '\n') line += "    ";
+        }
+        write(line);
+    }
+    write("\n  ");
+    write(std::string_view(*around).substr(place));
+    return {};
 }
 
 }  // namespace vostrel

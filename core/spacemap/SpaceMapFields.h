@@ -1,7 +1,11 @@
 #pragma once
 
 #include <array>
+#include <expected>
 #include <filesystem>
+#include <functional>
+#include <optional>
+#include <string_view>
 
 #include "filesystem/FilesystemFields.h"
 #include "spacemap/HiddenSpace.h"
@@ -78,7 +82,10 @@ struct JSONCoder<SpaceNode> {
     static JSONValue encode(const SpaceNode& node);
 };
 
-/// The whole map, and what a disk hides where that is known.
-[[nodiscard]] JSONValue documentOf(const SpaceTree& tree, const std::optional<HiddenSpace>& hidden);
+/// The whole map, and what a disk hides where that is known, as one text for people. It is handed to `write` node by
+/// node: as one value it would take more memory than the scan.
+[[nodiscard]] std::expected<void, JSONError> writeDocument(const SpaceTree& tree,
+                                                           const std::optional<HiddenSpace>& hidden,
+                                                           const std::function<void(std::string_view)>& write);
 
 }  // namespace vostrel

@@ -1,6 +1,10 @@
 #include "spacemap/SpacePage.h"
 
+#include <fmt/format.h>
+
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "base/LocalTime.h"
 #include "base/PrintableText.h"
@@ -30,38 +34,52 @@ std::string joined(const std::vector<std::string>& sentences) {
     return text;
 }
 
+/// As JSON. Every text here was made printable and no number is a special one, so it can always be written.
+std::string textOf(const JSONValue& value) {
+    return JSONCoding::encoder(JSONLayout::compact).encode(value).value_or("null");
+}
+
+/// A list with one element for each node, as JSON. It is text from the start: as values, tens of thousands of nodes
+/// would take more memory than the scan that found them.
+template <class Element>
+std::string listOf(const SpaceTree& tree, Element element) {
+    std::string list;
+    for (const SpaceNode& node : tree.nodes)
+        list += (list.empty() ? '[' : ',') + element(node);
+    return list + ']';
+}
+
+template <auto SpaceNode::* Field>
+std::string numbersOf(const SpaceTree& tree) {
+    return listOf(tree, [](const SpaceNode& node) { return std::to_string(node.*Field); });
+}
+
 /// One list for each property, in the tree's order; what few nodes have is an object by the node's index.
-JSONObject nodesOf(const SpaceTree& tree) {
-    JSONArray names;
-    JSONArray bytes;
-    JSONArray files;
-    JSONArray firstChildren;
-    JSONArray childCounts;
+std::string nodesOf(const SpaceTree& tree) {
     std::string kinds;
     std::vector<JSONMember> entries;
     std::vector<JSONMember> unmeasured;
     for (std::size_t index = 0; index < tree.nodes.size(); ++index) {
         const SpaceNode& node = tree.nodes[index];
-        names.emplace_back(printable(node.name));
-        bytes.emplace_back(node.bytes);
-        files.emplace_back(node.files);
-        firstChildren.emplace_back(node.firstChild);
-        childCounts.emplace_back(node.childCount);
         kinds += kindLetter(node);
         if (node.kind == SpaceNode::Kind::aggregate) entries.emplace_back(std::to_string(index), node.entries);
         if (auto why = joined(unmeasuredSentences(node)); !why.empty())
             unmeasured.emplace_back(std::to_string(index), std::move(why));
     }
-    return {
-        {"names", std::move(names)},
-        {"bytes", std::move(bytes)},
-        {"files", std::move(files)},
-        {"firstChildren", std::move(firstChildren)},
-        {"childCounts", std::move(childCounts)},
-        {"kinds", std::move(kinds)},
-        {"entries", JSONObject(std::move(entries))},
-        {"unmeasured", JSONObject(std::move(unmeasured))},
+    const std::pair<std::string_view, std::string> properties[] = {
+        {"names", listOf(tree, [](const SpaceNode& node) { return textOf(printable(node.name)); })},
+        {"bytes", numbersOf<&SpaceNode::bytes>(tree)},
+        {"files", numbersOf<&SpaceNode::files>(tree)},
+        {"firstChildren", numbersOf<&SpaceNode::firstChild>(tree)},
+        {"childCounts", numbersOf<&SpaceNode::childCount>(tree)},
+        {"kinds", textOf(kinds)},
+        {"entries", textOf(JSONObject(std::move(entries)))},
+        {"unmeasured", textOf(JSONObject(std::move(unmeasured)))},
     };
+    std::string nodes;
+    for (const auto& [name, values] : properties)
+        nodes += fmt::format("{}\"{}\":{}", nodes.empty() ? '{' : ',', name, values);
+    return nodes + '}';
 }
 
 JSONObject shapeOf(const SunburstShape& shape) {
@@ -99,20 +117,17 @@ std::string withoutMarkup(std::string_view json) {
 }  // namespace
 
 std::string spacePage(const SpaceTree& tree, std::span<const std::string> remarks) {
-    const JSONValue map = JSONObject{
+    const std::string whole = textOf(JSONObject{
         {"rootPath", printable(tree.userPath(0).value_or(tree.rootPath))},
         {"dataVolume", SpaceTree::dataVolume},
         {"remarks", remarksOn(tree, remarks)},
         {"shape", shapeOf({})},
-        {"nodes", nodesOf(tree)},
-    };
-    // Every text in it was made printable and no number is a special one, so it can always be written.
-    const auto json = JSONCoding::encoder(JSONLayout::compact).encode(map);
+    });
 
     constexpr std::string_view placeholder = "{{map}}";
     const std::size_t place = spacePageTemplate.find(placeholder);
     std::string page(spacePageTemplate.substr(0, place));
-    page += withoutMarkup(json.value_or("null"));
+    page += withoutMarkup(R"({"nodes":)" + nodesOf(tree) + ',' + whole.substr(1));
     page += spacePageTemplate.substr(place + placeholder.size());
     return page;
 }

@@ -79,8 +79,9 @@ struct Agent::Batch {
     std::future<RuleBatch::Result> result;
 };
 
-Agent::Agent(Session& in)
+Agent::Agent(Session& in, const AgentLock& held)
     : session(in),
+      lock(held),
       cleaning(in),
       settingsFile(in.places.data / "settings.json"),
       rulesFile(in.places.data / "rules.json"),
@@ -100,9 +101,9 @@ std::vector<RunReport> Agent::once() {
     return std::move(heard);
 }
 
-void Agent::run() {
+CommandResult Agent::run() {
     std::chrono::milliseconds pause = betweenGoodLooks;
-    while (!Interrupt::requested()) {
+    while (!Interrupt::requested() && lock.isInPlace()) {
         heard.clear();
         look(pause);
         std::ignore = session.output.finish();
@@ -110,6 +111,8 @@ void Agent::run() {
         sleep(pause);
     }
     end();
+    if (lock.isInPlace()) return {};
+    return failed(session.places.data.native() + " was moved or replaced. Start the agent again.");
 }
 
 void Agent::end() {
@@ -195,6 +198,8 @@ void Agent::noticeQuits() {
         return;
     }
     auto running = cleaning.runner.runningApps.runningIdentifiers();
+    // What cannot be told now is told at a later look, against what ran before.
+    if (!running) return;
     const auto before = std::exchange(applications, std::move(running));
     std::vector<std::string> quitters;
     if (before) std::ranges::set_difference(*before, *applications, std::back_inserter(quitters));

@@ -15,6 +15,7 @@
 #include "cleaning/LiveRules.h"
 #include "cleaning/RuleAutomation.h"
 #include "cleaning/RuleBatch.h"
+#include "cli/AgentLock.h"
 #include "cli/Cleaning.h"
 #include "cli/FileWatch.h"
 #include "cli/Session.h"
@@ -28,8 +29,8 @@ namespace vostrel::cli {
 /// of rules and settings while it works.
 class Agent {
 public:
-    /// The session outlives the agent.
-    explicit Agent(Session& in);
+    /// The session and the lock outlive the agent.
+    Agent(Session& in, const AgentLock& held);
     Agent(const Agent&) = delete;
     Agent& operator=(const Agent&) = delete;
     ~Agent();
@@ -38,8 +39,9 @@ public:
     [[nodiscard]] std::vector<RunReport> once();
     /// Whether something was complained of.
     [[nodiscard]] bool hadTrouble() const { return isTroubled; }
-    /// Until the user stops the program, which stops a batch first and records that.
-    void run();
+    /// Until the user stops the program, which stops a batch first and records that; or until the data folder is another,
+    /// which fails.
+    [[nodiscard]] CommandResult run();
 
 private:
     struct Batch;
@@ -78,6 +80,7 @@ private:
     [[nodiscard]] bool isPaused() const;
 
     Session& session;
+    const AgentLock& lock;
     const Cleaning cleaning;
     FileWatch settingsFile;
     FileWatch rulesFile;

@@ -6,11 +6,11 @@
 
 #include "cleaning/RunFields.h"
 #include "cli/Agent.h"
+#include "cli/AgentLock.h"
 #include "cli/Commands.h"
 #include "cli/RunDisplay.h"
 #include "cli/Session.h"
 #include "platform/BackgroundService.h"
-#include "platform/FileLock.h"
 
 namespace vostrel::cli {
 
@@ -22,22 +22,8 @@ struct AgentOptions {
     bool isRemoved = false;
 };
 
-/// Held as long as an agent works on the data folder.
-std::expected<OwnedDescriptor, Failure> soleAgentOf(const std::filesystem::path& data) {
-    std::error_code problem;
-    std::filesystem::create_directories(data, problem);
-    if (problem) return failed(SystemError{problem.value(), "make the folder", data}.description() + ".");
-    const auto path = data / "agent.lock";
-    auto file = lockFile(path);
-    if (file) return *std::move(file);
-    const auto& error = file.error();
-    if (error.isHeld) return failed("Another agent already runs rules from " + data.native() + ".");
-    const bool isOpen = error.step == FileLockError::Step::lock;
-    return failed(SystemError{error.code, isOpen ? "lock" : "open", path}.description() + ".");
-}
-
-CommandResult runOnce(Session& session) {
-    Agent agent(session);
+CommandResult runOnce(Session& session, const AgentLock& lock) {
+    Agent agent(session, lock);
     JSONArray documents;
     Failure failure;
     failure.document = Failure::Document::written;
@@ -77,13 +63,12 @@ CommandResult remove(Session& session) {
 CommandResult agent(Session& session, const GlobalOptions& options, const AgentOptions& wanted) {
     if (wanted.isInstalled) return install(session, options);
     if (wanted.isRemoved) return remove(session);
-    const auto lock = soleAgentOf(session.places.data);
+    const auto lock = AgentLock::take(session.places.data);
     if (!lock) return std::unexpected(lock.error());
-    if (wanted.isOnce) return runOnce(session);
+    if (wanted.isOnce) return runOnce(session, *lock);
     if (!session.output.isForPeople())
         return wrongCommandLine("An agent that keeps running prints no document; add --once.");
-    Agent(session).run();
-    return {};
+    return Agent(session, *lock).run();
 }
 
 }  // namespace

@@ -63,9 +63,9 @@ public:
     [[nodiscard]] std::vector<RunReport> recent(std::size_t limit) const;
     /// All runs that started then or later, in the same form and order.
     [[nodiscard]] std::vector<RunReport> reports(Date since) const;
-    /// The long lists of a run; empty ones when its detail file is missing.
     /// What of the log cannot be read, so that runs may be missing from the lists: the folder itself, or day files.
     [[nodiscard]] std::vector<std::filesystem::path> unreadable() const;
+    /// The long lists of a run; empty ones when its detail file is missing.
     [[nodiscard]] RunDetails details(const Uuid& run) const;
     /// A run with its long lists: those of its detail file, else those of its record.
     [[nodiscard]] RunReport withLists(RunReport listed) const;

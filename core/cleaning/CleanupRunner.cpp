@@ -218,7 +218,8 @@ Rule ruleOf(const CleanupPlan& plan, std::string_view name) {
 bool CleanupRunner::waits(const Rule& rule) const {
     if (rule.pauseWhileRunning.empty()) return false;
     const auto running = runningApps.runningIdentifiers();
-    return std::ranges::any_of(rule.pauseWhileRunning, [&](const std::string& app) { return running.contains(app); });
+    if (!running) return true;
+    return std::ranges::any_of(rule.pauseWhileRunning, [&](const std::string& app) { return running->contains(app); });
 }
 
 RunReport CleanupRunner::run(const Rule& rule, RunTrigger trigger, const Present& present,

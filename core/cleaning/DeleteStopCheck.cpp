@@ -24,8 +24,10 @@ std::optional<StopReason> DeleteStopCheck::ask(Date now) {
     }
     if (questions.pauseWhileRunning.empty()) return std::nullopt;
     const auto running = apps.identifiers(now);
+    // Which of them opened cannot be told, but one may have.
+    if (!running) return StopReason{StopReason::Kind::cancelled};
     for (const std::string& identifier : questions.pauseWhileRunning) {
-        if (running.contains(identifier))
+        if (running->contains(identifier))
             return StopReason{StopReason::Kind::appRunning, questions.runningApps.displayName(identifier)};
     }
     return std::nullopt;

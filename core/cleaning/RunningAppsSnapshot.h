@@ -16,12 +16,13 @@ public:
     /// The provider outlives the object.
     RunningAppsSnapshot(const RunningAppsProviding& from, Duration howLong) : provider(from), interval(howLong) {}
 
-    [[nodiscard]] std::set<std::string> identifiers(Date now);
+    /// Nothing when the system could not tell.
+    [[nodiscard]] std::optional<std::set<std::string>> identifiers(Date now);
 
 private:
     struct Reading {
         Date readAt;
-        std::set<std::string> identifiers;
+        std::optional<std::set<std::string>> identifiers;
     };
 
     const RunningAppsProviding& provider;

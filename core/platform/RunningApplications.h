@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 
@@ -11,7 +12,8 @@ class RunningAppsProviding {
 public:
     virtual ~RunningAppsProviding() = default;
 
-    [[nodiscard]] virtual std::set<std::string> runningIdentifiers() const = 0;
+    /// Nothing when the system could not tell: then every application may be running.
+    [[nodiscard]] virtual std::optional<std::set<std::string>> runningIdentifiers() const = 0;
     /// The name that the user knows the application by; the identifier where none is known.
     [[nodiscard]] virtual std::string displayName(const std::string& identifier) const = 0;
 };
@@ -19,7 +21,7 @@ public:
 /// What the system says of the running user's applications.
 class SystemRunningApps final : public RunningAppsProviding {
 public:
-    [[nodiscard]] std::set<std::string> runningIdentifiers() const override;
+    [[nodiscard]] std::optional<std::set<std::string>> runningIdentifiers() const override;
     [[nodiscard]] std::string displayName(const std::string& identifier) const override;
 };
 

@@ -32,7 +32,7 @@ public:
     mutable std::atomic<int> asked = 0;
     std::atomic<bool> isRunning = false;
 
-    [[nodiscard]] std::set<std::string> runningIdentifiers() const override {
+    [[nodiscard]] std::optional<std::set<std::string>> runningIdentifiers() const override {
         ++asked;
         return isRunning ? std::set<std::string>{"app"} : std::set<std::string>{};
     }

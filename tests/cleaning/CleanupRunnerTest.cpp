@@ -77,6 +77,7 @@ TEST_F(CleanupRunnerTest, skipsAnAutomaticRunForTheFirstReasonThereIs) {
         {RunSkipReason::paused, {}, [&] { live.update({{rule.id, rule}}, true); }},
         {RunSkipReason::notApproved, {}, [&] { rule.name = "x", rule.filter.minAgeDays = 1; }},
         {RunSkipReason::appRunning, {}, [&] { apps.running = {"com.apple.dt.Xcode"}; }},
+        {RunSkipReason::appRunning, {}, [&] { apps.running = std::nullopt; }},
         {RunSkipReason::rootProblem,
          {sentences::folderUnreadable},
          [&] {
@@ -95,7 +96,7 @@ TEST_F(CleanupRunnerTest, skipsAnAutomaticRunForTheFirstReasonThereIs) {
         tested->change();
         expectSkipped(run(RunTrigger::schedule), tested->reason, tested->messages);
     }
-    EXPECT_THAT(log.recent(10), SizeIs(6)) << "a skipped run is recorded as well";
+    EXPECT_THAT(log.recent(10), SizeIs(7)) << "a skipped run is recorded as well";
 }
 
 TEST_F(CleanupRunnerTest, runsAPreviewOnlyWhileItHolds) {
@@ -158,6 +159,7 @@ TEST_F(CleanupRunnerTest, stopsInTheMiddleOfADeletionWhenThePresentChanges) {
         {"Stopped because the rule changed.", [&] { live.update({}, false); }},
         {"Stopped because automatic cleaning was paused.", [&] { live.update({{rule.id, rule}}, true); }},
         {"Stopped because Xcode opened.", [&] { apps.running = {"com.apple.dt.Xcode"}; }},
+        {"Stopped before it finished.", [&] { apps.running = std::nullopt; }},
         {"Stopped before it finished.", [&] { control.cancel(); }},
     };
     executor.appCheckInterval = {};
@@ -166,7 +168,7 @@ TEST_F(CleanupRunnerTest, stopsInTheMiddleOfADeletionWhenThePresentChanges) {
         for (int each = 0; each < files; ++each)
             home.makeFile("cache/a/" + std::to_string(each));
         live.update({{rule.id, rule}}, false);
-        apps.running.clear();
+        apps.running.emplace();
         int asked = 0;
         present.currentRule = [&] {
             if (++asked == files / 2) tested.change();

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -16,10 +17,10 @@ namespace vostrel {
 /// The applications that a test says are running.
 class NamedApps final : public RunningAppsProviding {
 public:
-    std::set<std::string> running;
+    std::optional<std::set<std::string>> running = std::set<std::string>{};
     mutable int asked = 0;
 
-    [[nodiscard]] std::set<std::string> runningIdentifiers() const override {
+    [[nodiscard]] std::optional<std::set<std::string>> runningIdentifiers() const override {
         ++asked;
         return running;
     }

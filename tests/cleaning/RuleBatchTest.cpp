@@ -223,7 +223,7 @@ TEST_F(RuleAutomationTest, leavesARuleDueWhileItWaitsAndSaysSoOnce) {
     automation = {.evaluator = automation.evaluator};
     EXPECT_THAT(decide(12h + 2min).skips, SizeIs(1));
     EXPECT_THAT(decide(12h + 3min).skips, IsEmpty());
-    apps.running = {};
+    apps.running.emplace();
     const auto locked = lock.withLock(Uuid::random(), [&] { return decide(12h + 4min); });
     EXPECT_TRUE(locked->scheduled.empty() && locked->skips.empty());
     const auto free = decide(12h + 5min);
@@ -233,7 +233,7 @@ TEST_F(RuleAutomationTest, leavesARuleDueWhileItWaitsAndSaysSoOnce) {
     ASSERT_TRUE(book.update(edited, now));
     apps.running = {"org.app"};
     finish(free);
-    apps.running = {};
+    apps.running.emplace();
     EXPECT_THAT(decide(12h + 6min).scheduled, IsEmpty()) << "its new time counts from the edit";
 }
 

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <expected>
 #include <filesystem>
 #include <optional>
 #include <string_view>
@@ -21,11 +23,15 @@ namespace {
 
 constexpr std::size_t longestFile = 65'536;
 
-std::optional<std::string> contentOf(const std::filesystem::path& path) {
+std::expected<std::string, int> contentOf(const std::filesystem::path& path) {
     const OwnedDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (!file.isOpen()) return std::nullopt;
-    auto content = readBytes(file.get(), longestFile);
-    return content ? std::optional(*std::move(content)) : std::nullopt;
+    if (!file.isOpen()) return std::unexpected(errno);
+    return readBytes(file.get(), longestFile);
+}
+
+/// Whether the system could not tell, rather than that there is nothing to tell.
+bool isWant(int error) {
+    return error == EMFILE || error == ENFILE || error == ENOMEM;
 }
 
 bool isNumber(std::string_view text) {
@@ -42,7 +48,7 @@ std::vector<std::filesystem::path> desktopFolders() {
 
 }  // namespace
 
-std::set<std::string> SystemRunningApps::runningIdentifiers() const {
+std::optional<std::set<std::string>> SystemRunningApps::runningIdentifiers() const {
     std::set<std::string> identifiers;
     std::error_code failure;
     for (std::filesystem::directory_iterator process("/proc", failure), end; !failure && process != end;
@@ -51,9 +57,11 @@ std::set<std::string> SystemRunningApps::runningIdentifiers() const {
         if (!isNumber(process->path().filename().native())) continue;
         if (::stat(process->path().c_str(), &status) != 0 || status.st_uid != ::getuid()) continue;
         const auto groups = contentOf(process->path() / "cgroup");
-        if (!groups) continue;
+        if (!groups && isWant(groups.error())) return std::nullopt;
+        if (!groups) continue;  // it has ended, or is closed to everybody
         if (auto identifier = linux_platform::applicationOfGroups(*groups)) identifiers.insert(*std::move(identifier));
     }
+    if (failure) return std::nullopt;
     return identifiers;
 }
 

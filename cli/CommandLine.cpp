@@ -60,6 +60,7 @@ CommandLine readCommandLine(int count, const char* const* arguments) {
     addCleanNowCommand(app, request.command);
     addLogCommand(app, request.command);
     addMapCommand(app, request.command);
+    addFindCommand(app, request.command);
     addAgentCommand(app, request.command);
     addProbesCommand(app, request.command);
     addAccessCommand(app, request.command);

@@ -16,6 +16,7 @@ void addCleanCommand(CLI::App& app, Command& chosen);
 void addCleanNowCommand(CLI::App& app, Command& chosen);
 void addLogCommand(CLI::App& app, Command& chosen);
 void addMapCommand(CLI::App& app, Command& chosen);
+void addFindCommand(CLI::App& app, Command& chosen);
 void addPresetsCommand(CLI::App& app, Command& chosen);
 void addAgentCommand(CLI::App& app, Command& chosen);
 void addProbesCommand(CLI::App& app, Command& chosen);

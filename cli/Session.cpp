@@ -47,6 +47,10 @@ SystemSpaceScanner Session::spaceScanner() const {
             .clock = clock};
 }
 
+SystemFinderScanner Session::finderScanner() const {
+    return {.home = places.home, .guards = guards, .fullDiskAccess = *fullDiskAccess, .clock = clock};
+}
+
 SpaceMonitor Session::monitor(const AppSettings& chosen) const {
     return {capacityReader, places.home, chosen};
 }

@@ -18,6 +18,7 @@
 #include "monitor/SpaceMonitor.h"
 #include "rules/PresetCatalog.h"
 #include "rules/TargetResolver.h"
+#include "finder/SystemFinderScanner.h"
 #include "spacemap/SystemSpaceScanner.h"
 #include "stores/DefaultsReading.h"
 
@@ -50,6 +51,7 @@ public:
 
     /// It must not outlive the session.
     [[nodiscard]] SystemSpaceScanner spaceScanner() const;
+    [[nodiscard]] SystemFinderScanner finderScanner() const;
 
     /// Measures the volume of the home folder. It must not outlive the session.
     [[nodiscard]] SpaceMonitor monitor(const AppSettings& chosen) const;

@@ -1,8 +1,6 @@
 #include "cleaning/ChosenItemPlan.h"
 
-#include <string>
 #include <system_error>
-#include <vector>
 
 #include "base/Uuid.h"
 #include "rules/Rule.h"
@@ -25,22 +23,31 @@ std::string patternFor(const std::string& name) {
 
 }  // namespace
 
+std::expected<CleanupPlan, PlanError> planOfChosenItems(const CleanupPlanner& planner, const fs::path& folder,
+                                                        const std::set<std::string>& names, Date now,
+                                                        const std::function<bool()>& isCancelled) {
+    Rule rule;
+    rule.id = Uuid::random();
+    rule.target = FolderTarget{folder};
+    for (const std::string& name : names)
+        rule.filter.includeGlobs.push_back(patternFor(name));
+    rule.action = CleanupAction::trash;
+    auto plan = planner.plan(rule, now, isCancelled);
+    if (!plan) return plan;
+    const auto isOther = [&](const auto& item) {
+        return item.url.parent_path() != folder || !names.contains(item.url.filename());
+    };
+    std::erase_if(plan->items, isOther);
+    std::erase_if(plan->skipped, isOther);
+    return plan;
+}
+
 std::expected<CleanupPlan, PlanError> planOfChosenItem(const CleanupPlanner& planner, const fs::path& item, Date now,
                                                        const std::function<bool()>& isCancelled) {
     std::error_code problem;
     const fs::path folder = fs::canonical(item.parent_path(), problem);
     if (problem || !item.has_filename()) return std::unexpected(PlanError::of(PlanError::Kind::rootMissing));
-    Rule rule;
-    rule.id = Uuid::random();
-    rule.target = FolderTarget{folder};
-    rule.filter.includeGlobs = {patternFor(item.filename())};
-    rule.action = CleanupAction::trash;
-    auto plan = planner.plan(rule, now, isCancelled);
-    if (!plan) return plan;
-    const fs::path chosen = folder / item.filename();
-    std::erase_if(plan->items, [&](const PlannedItem& planned) { return planned.url != chosen; });
-    std::erase_if(plan->skipped, [&](const SkippedItem& left) { return left.url != chosen; });
-    return plan;
+    return planOfChosenItems(planner, folder, {item.filename()}, now, isCancelled);
 }
 
 }  // namespace vostrel

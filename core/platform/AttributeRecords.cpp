@@ -16,7 +16,7 @@ struct Attribute {
     Group group;
     std::uint32_t bit;
     std::size_t size;
-    /// Puts the packed value into the entry; none for what entries do not carry.
+    /// Puts the packed value into the entry.
     void (*fill)(FolderEntry& entry, const std::byte* value);
 };
 
@@ -31,6 +31,11 @@ Value read(const std::byte* from) {
 template <auto member, class Packed>
 void fillNumber(FolderEntry& entry, const std::byte* value) {
     entry.*member = static_cast<std::remove_reference_t<decltype(entry.*member)>>(read<Packed>(value));
+}
+
+template <auto member, class Packed>
+void fillKnown(FolderEntry& entry, const std::byte* value) {
+    entry.*member = read<Packed>(value);
 }
 
 template <auto member>
@@ -53,10 +58,10 @@ constexpr auto attributes = std::to_array<Attribute>({
     {Group::folder, attribute::folderMountStatus, 4, &fillNumber<&FolderEntry::mountStatus, std::uint32_t>},
     {Group::file, attribute::fileLinkCount, 4, &fillNumber<&FolderEntry::linkCount, std::uint32_t>},
     {Group::file, attribute::fileAllocated, 8, &fillNumber<&FolderEntry::allocated, std::int64_t>},
-    {Group::file, attribute::fileLength, 8, nullptr},
-    {Group::extended, attribute::extendedPrivateSize, 8, nullptr},
-    {Group::extended, attribute::extendedCloneID, 8, nullptr},
-    {Group::extended, attribute::extendedCloneCount, 4, nullptr},
+    {Group::file, attribute::fileLength, 8, &fillNumber<&FolderEntry::length, std::int64_t>},
+    {Group::extended, attribute::extendedPrivateSize, 8, &fillKnown<&FolderEntry::privateBytes, std::int64_t>},
+    {Group::extended, attribute::extendedCloneID, 8, &fillKnown<&FolderEntry::cloneID, std::uint64_t>},
+    {Group::extended, attribute::extendedCloneCount, 4, &fillKnown<&FolderEntry::cloneRefCount, std::uint32_t>},
 });
 
 using Failure = std::unexpected<int>;
@@ -141,7 +146,7 @@ std::expected<FolderEntry, int> readRecord(std::span<const std::byte> bytes, con
         if ((bitsOf(field.group, held, entry.type) & field.bit) == 0) continue;
         const std::byte* value = record.take(field.size);
         if (value == nullptr) return Failure(EIO);
-        if (field.fill != nullptr) field.fill(entry, value);
+        field.fill(entry, value);
     }
     if (entry.error == 0 && (held.common & attribute::objectType) == 0) entry.error = EIO;
     return entry;
@@ -153,9 +158,14 @@ AttributeRequest attributeRequest(ListingDetail detail) {
     AttributeRequest request{
         attribute::returnedSet | attribute::name | attribute::objectType | attribute::fileID | attribute::error,
         attribute::folderMountStatus, attribute::fileLinkCount | attribute::fileAllocated, 0};
-    if (detail == ListingDetail::facts) {
+    if (detail >= ListingDetail::facts) {
         request.common |=
             attribute::device | attribute::modified | attribute::changed | attribute::flags | attribute::added;
+    }
+    if (detail == ListingDetail::everything) {
+        request.file |= attribute::fileLength;
+        request.extended |=
+            attribute::extendedPrivateSize | attribute::extendedCloneID | attribute::extendedCloneCount;
     }
     return request;
 }

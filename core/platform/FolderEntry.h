@@ -25,9 +25,9 @@ enum class EntryType : std::uint32_t {
 inline constexpr std::uint32_t entryIsMountPoint = 1;
 inline constexpr std::uint32_t entryTriggersMount = 2;
 
-/// How much a listing asks of each entry: nothing but name, type and number, what adding up sizes needs, or also the
-/// dates and the device.
-enum class ListingDetail { names, sizes, facts };
+/// How much a listing asks of each entry: nothing but name, type and number, what adding up sizes needs, also the dates
+/// and the device, or also the length and what is shared with clones.
+enum class ListingDetail { names, sizes, facts, everything };
 
 /// One entry as a folder listing reports it. The name is valid only while the entry is being handed over.
 ///
@@ -43,7 +43,7 @@ struct FolderEntry {
     /// The entry could not be examined: the error number, and nothing else but the name is known.
     int error = 0;
 
-    // With `ListingDetail::facts` only.
+    // With `ListingDetail::facts` and `everything` only.
     std::int32_t device = 0;
     Date modified;
     Date changed;
@@ -51,6 +51,14 @@ struct FolderEntry {
     std::optional<Date> added;
     /// The content is only in the cloud.
     bool isDataless = false;
+
+    // With `ListingDetail::everything` only.
+    std::int64_t length = 0;
+    /// Equal for files that began as clones of one another, where the file system tells.
+    std::optional<std::uint64_t> cloneID;
+    std::optional<std::uint32_t> cloneRefCount;
+    /// Bytes shared with no clone.
+    std::optional<std::int64_t> privateBytes;
 };
 
 /// Takes the entries of a listing, one after the other.

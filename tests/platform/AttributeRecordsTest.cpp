@@ -18,12 +18,7 @@ using testing::ElementsAre;
 using Bytes = std::vector<std::byte>;
 
 const AttributeRequest lean = attributeRequest(ListingDetail::sizes);
-const AttributeRequest rich = [] {
-    AttributeRequest request = attributeRequest(ListingDetail::facts);
-    request.file |= attribute::fileLength;
-    request.extended = attribute::extendedPrivateSize | attribute::extendedCloneID | attribute::extendedCloneCount;
-    return request;
-}();
+const AttributeRequest rich = attributeRequest(ListingDetail::everything);
 constexpr std::uint32_t noError = ~attribute::error;
 
 template <class Value>

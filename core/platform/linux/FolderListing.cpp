@@ -55,6 +55,7 @@ int readFacts(int openFolder, const char* name, FolderEntry& entry) {
     entry.changed = found->changed;
     entry.accessed = found->accessed;
     entry.added = found->added;
+    entry.length = found->length;
     return 0;
 }
 
@@ -69,7 +70,7 @@ void report(int openFolder, const KernelEntry& listed, ListingDetail detail, Ent
     } else if (detail == ListingDetail::names && listed.type != DT_UNKNOWN) {
         entry.type = linux_platform::entryType(DTTOIF(listed.type));
     } else {
-        entry.error = detail == ListingDetail::facts ? readFacts(openFolder, listed.name(), entry)
+        entry.error = detail >= ListingDetail::facts ? readFacts(openFolder, listed.name(), entry)
                                                      : readSizes(openFolder, listed.name(), entry);
         if (entry.error == ENOENT) return;
     }

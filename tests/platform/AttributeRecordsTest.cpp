@@ -88,6 +88,10 @@ public:
                                 entry.changed.nanoseconds());
         }
         if (entry.added) text += fmt::format(" added {}", entry.added->nanoseconds());
+        if (entry.cloneID) {
+            text += fmt::format(" length {} clone {} of {} own {}", entry.length, *entry.cloneID, *entry.cloneRefCount,
+                                *entry.privateBytes);
+        }
         texts.push_back(text + (entry.isDataless ? " dataless" : ""));
     }
     std::vector<std::string> texts;
@@ -125,7 +129,7 @@ TEST(AttributeRecordsTest, readsWhatSizesNeed) {
                                                    "refused: type 0 id 0 links 1 bytes 0 mount 0 error 13"));
 }
 
-TEST(AttributeRecordsTest, readsWhatFactsNeedAndStepsOverTheRest) {
+TEST(AttributeRecordsTest, readsEverythingThatItIsAskedFor) {
     Record file = Record(140, {rich.common & noError, 0, rich.file, rich.extended})
                       .put(32, -7)
                       .put(36, 1)
@@ -137,12 +141,19 @@ TEST(AttributeRecordsTest, readsWhatFactsNeedAndStepsOverTheRest) {
     // A folder has its mount status where a file has its link count, and after it the extended group.
     Record folder = file;
     folder.put(12, rich.folder).put(16, std::uint32_t{0}).put(36, 2).put(100, 1);
-    file.put(100, 2).put(104, std::int64_t{512});
-    const std::string facts = " error 0 device -7 modified 1000000005 changed 2000000005 added 3000000005 dataless";
+    file.put(100, 2).put(104, std::int64_t{512}).put(112, std::int64_t{4321});
+    for (Record* record : {&file, &folder}) {
+        const std::size_t extended = record == &file ? 120 : 104;
+        record->put(extended, std::int64_t{11}).put(extended + 8, std::uint64_t{12}).put(extended + 16, 13);
+    }
+    const auto facts = [](const std::string& length) {
+        return " error 0 device -7 modified 1000000005 changed 2000000005 added 3000000005 " + length +
+               " clone 12 of 13 own 11 dataless";
+    };
     EXPECT_THAT(read(file.named(24, "name"), rich),
-                ElementsAre("name: type 1 id 99 links 2 bytes 512 mount 0" + facts));
+                ElementsAre("name: type 1 id 99 links 2 bytes 512 mount 0" + facts("length 4321")));
     EXPECT_THAT(read(folder.named(24, "name"), rich),
-                ElementsAre("name: type 2 id 99 links 1 bytes 0 mount 1" + facts));
+                ElementsAre("name: type 2 id 99 links 1 bytes 0 mount 1" + facts("length 0")));
 }
 
 TEST(AttributeRecordsTest, movesFieldsUpWhereOthersAreAbsent) {

@@ -11,7 +11,9 @@
 #include "cleaning/CleanupPlanner.h"
 #include "cli/Cleaning.h"
 #include "cli/Commands.h"
+#include "cli/FindDisplay.h"
 #include "cli/Interrupt.h"
+#include "cli/MapDisplay.h"
 #include "cli/PlanDisplay.h"
 #include "cli/RunDisplay.h"
 #include "cli/SampleHome.h"
@@ -44,25 +46,35 @@ Rule oldDownloads(const SampleHome& sample, Date now) {
     return rule;
 }
 
-/// Blocks of the planned items, counted on the disk and without the library's walk, a hard-linked file once.
-std::int64_t bytesOnDisk(const CleanupPlan& plan) {
-    std::set<FileIdentity> counted;
-    std::int64_t bytes = 0;
-    const auto count = [&](const std::filesystem::path& path) {
+/// Adds up blocks on the disk without the library's walk, a hard-linked file once.
+class BlockCount {
+public:
+    void add(const std::filesystem::path& path) {
         const auto status = statusOfPath(path);
         if (!status || status->type == EntryType::folder || status->type == EntryType::link) return;
         if (counted.insert({status->device, status->inode}).second) bytes += status->allocated;
-    };
-    for (const auto& item : plan.items) {
-        count(item.url);
+    }
+    void addBelow(const std::filesystem::path& folder) {
         std::error_code failure;
-        if (!item.isDirectory) continue;
-        for (std::filesystem::recursive_directory_iterator entry(item.url, failure), end; !failure && entry != end;
+        for (std::filesystem::recursive_directory_iterator entry(folder, failure), end; !failure && entry != end;
              entry.increment(failure)) {
-            count(entry->path());
+            add(entry->path());
         }
     }
-    return bytes;
+    [[nodiscard]] std::int64_t sum() const { return bytes; }
+
+private:
+    std::set<FileIdentity> counted;
+    std::int64_t bytes = 0;
+};
+
+std::int64_t bytesOnDisk(const CleanupPlan& plan) {
+    BlockCount count;
+    for (const auto& item : plan.items) {
+        count.add(item.url);
+        if (item.isDirectory) count.addBelow(item.url);
+    }
+    return count.sum();
 }
 
 bool isPlanned(const CleanupPlan& plan, const std::filesystem::path& path) {
@@ -86,6 +98,8 @@ public:
         if (auto approved = approve(rule, *plan); !approved) return approved;
         if (auto previewed = previewPresets(); !previewed) return previewed;
         if (auto previewed = previewProjects(); !previewed) return previewed;
+        map();
+        search();
         check(*plan);
         if (auto cleaned = clean(rule, *plan); !cleaned) return cleaned;
         return conclude();
@@ -243,6 +257,32 @@ private:
         claims.push_back({"a folder that a person named \"target\" stays", isNamed});
     }
 
+    void map() {
+        heading("7. The space map: where the space of the home goes");
+        const auto scanned = session.spaceScanner().scan(SpaceScanTarget::folder(sample.home()), nullptr, {});
+        constexpr MapExtent shortly{.lines = 8, .levels = 2};
+        showMap(session.output, session.guards, scanned, shortly);
+        BlockCount count;
+        count.addBelow(sample.home());
+        claims.push_back({"the map's total agrees with the blocks on the disk", scanned.tree.root().bytes == count.sum()});
+    }
+
+    void search() {
+        heading("8. Large, old and duplicate files");
+        const FinderRequest request{.roots = {sample.home().native()},
+                                    .criteria = {.largeBytes = 3'000'000, .oldMonths = 1, .oldMinBytes = 2'000'000},
+                                    .now = session.clock()};
+        const FinderResult found = session.finderScanner().scan(request, nullptr, &Interrupt::requested);
+        showFound(session.output, session.guards, found, {});
+        const bool isRight = found.groups.size() == 1 && found.groups.front().copies.size() == 2 &&
+                             found.groups.front().copies.front().path.full().filename() == "summer.jpg";
+        claims.push_back({"the only duplicates are the two pictures of one summer", isRight});
+        const bool isOld = !found.old.empty() && std::ranges::none_of(found.old, [&](const FinderFile& file) {
+            return file.path.full().filename() == "still downloading.part";
+        });
+        claims.push_back({"what nobody used for a month is found, and nothing fresh", isOld});
+    }
+
     void check(const CleanupPlan& plan) {
         claims.push_back({"the total agrees with the blocks on the disk, hard links counted once",
                           plan.totalBytes() == bytesOnDisk(plan)});
@@ -258,7 +298,7 @@ private:
 
     /// Carries out the previews that were shown, each item checked again right before it goes.
     CommandResult clean(const Rule& rule, const CleanupPlan& plan) {
-        heading("7. The rules run: every item is checked once more, then it goes");
+        heading("9. The rules run: every item is checked once more, then it goes");
         const auto saved = session.rules.change([&](RuleBook& book) -> CommandResult {
             for (const auto& [other, itsPlan] : shown)
                 book.add(other);

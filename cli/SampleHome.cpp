@@ -61,6 +61,7 @@ constexpr auto sampleFiles = std::to_array<SampleFile>({
     {"Documents/letter to the bank.txt", 8},
     {"Desktop/todo.txt", 4},
     {"Pictures/summer.jpg", 2'100},
+    {"Pictures/to print/summer again.jpg", 2'100},
     {".ssh/id_ed25519", 4},
 });
 

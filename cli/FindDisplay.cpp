@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "base/LocalTime.h"
@@ -54,11 +55,11 @@ private:
         std::vector<Output::Row> rows;
         for (const FinderFile& file : files) {
             if (rows.size() == extent.lines) break;
-            const std::string date = file.lastOpened ? localDay(file.lastOpened->date) : "";
-            rows.push_back({SpaceFormat::bytes(file.stamp.allocated),
-                            {date, Style::dim},
-                            shown(file.path),
-                            {file.trashBlock.value_or(""), Style::dim}});
+            Output::Row row{SpaceFormat::bytes(file.stamp.allocated)};
+            if (file.lastOpened) row.emplace_back(localDay(file.lastOpened->date), Style::dim);
+            row.emplace_back(shown(file.path));
+            row.emplace_back(file.trashBlock.value_or(""), Style::dim);
+            rows.push_back(std::move(row));
         }
         output.table(rows, {Alignment::right, Alignment::left, Alignment::left, Alignment::left});
         more(files.size(), "files");

@@ -41,6 +41,7 @@ void addPlan(Session& session, const fs::path& folder, const std::set<std::strin
 std::set<fs::path> surplusCopies(const FinderResult& result) {
     std::set<fs::path> surplus;
     for (const DuplicateGroup& group : result.groups) {
+        if (group.copies.front().mayVanish) continue;
         for (std::size_t index = 1; index < group.copies.size(); ++index) {
             const DuplicateCopy& copy = group.copies[index];
             if (!copy.trashBlock) surplus.insert(copy.path.full());

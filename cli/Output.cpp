@@ -78,9 +78,12 @@ void Output::table(const std::vector<Row>& rows, const std::vector<Alignment>& a
     const auto widest = widths(rows, alignments.size());
     for (const Row& row : rows) {
         std::string whole;
-        for (std::size_t column = 0; column < row.size(); ++column) {
+        std::size_t end = row.size();
+        while (end > 0 && row[end - 1].content.empty())
+            --end;
+        for (std::size_t column = 0; column < end; ++column) {
             const auto space = padding(widest.at(column), columns(printable(row[column].content)));
-            const bool isLast = column + 1 == row.size();
+            const bool isLast = column + 1 == end;
             whole += "  ";
             if (alignments.at(column) == Alignment::right) whole += space;
             whole += styled(row[column]);

@@ -71,7 +71,7 @@ std::optional<std::string> CopyGate::refusalFor(const fs::path& file) const {
     const DuplicateGroup* group = known->second.group;
     if (group == nullptr) return std::nullopt;
     const bool oneStays = std::ranges::any_of(
-        group->copies, [&](const DuplicateCopy& copy) { return !chosen.contains(copy.path.full()); });
+        group->copies, [&](const DuplicateCopy& copy) { return stays(copy); });
     if (!oneStays) return everyCopyChosen;
     return std::nullopt;
 }
@@ -83,10 +83,14 @@ std::optional<std::string> CopyGate::operator()(const PlannedItem& item) const {
     if (!isThatFile || !openIfUnchanged(item.url, file.stamp).isOpen()) return changed;
     if (file.group == nullptr) return std::nullopt;
     const bool staysElsewhere = std::ranges::any_of(file.group->copies, [&](const DuplicateCopy& copy) {
-        return !chosen.contains(copy.path.full()) && isEqual(item.url, file.stamp, copy);
+        return stays(copy) && isEqual(item.url, file.stamp, copy);
     });
     if (!staysElsewhere) return noCopyLeft;
     return std::nullopt;
+}
+
+bool CopyGate::stays(const DuplicateCopy& copy) const {
+    return !copy.mayVanish && !chosen.contains(copy.path.full());
 }
 
 bool CopyGate::isEqual(const fs::path& file, const FinderStamp& stamp, const DuplicateCopy& copy) const {

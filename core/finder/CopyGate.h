@@ -31,7 +31,7 @@ public:
     [[nodiscard]] std::optional<std::string> refusalFor(const std::filesystem::path& file) const;
 
     static constexpr const char* notFound = "This search did not find it.";
-    static constexpr const char* everyCopyChosen = "Every copy of it was chosen. One has to stay.";
+    static constexpr const char* everyCopyChosen = "Every copy of it that would stay was chosen. One has to stay.";
     static constexpr const char* changed = "It changed after the search.";
     static constexpr const char* noCopyLeft = "No copy of it that stays is still the same, so it stays.";
 
@@ -43,6 +43,7 @@ private:
         const DuplicateGroup* group = nullptr;
     };
 
+    [[nodiscard]] bool stays(const DuplicateCopy& copy) const;
     [[nodiscard]] bool isEqual(const std::filesystem::path& file, const FinderStamp& stamp,
                                const DuplicateCopy& copy) const;
 

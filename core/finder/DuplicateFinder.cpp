@@ -74,25 +74,31 @@ private:
         if (alike.members.size() > 1) classes.push_back(std::move(alike));
     }
 
-    /// One of each space: files are told to share theirs by what they are and by their clones' number.
+    /// One of each space.
     [[nodiscard]] Alike withoutShared(const Alike& sameSize) {
-        const auto spaceOf = [&](Place place) {
+        const auto asFile = [&](Place place) { return stampOf(place).identity(); };
+        // By another mount, or in a snapshot, a file has another device and is the same to the nanosecond.
+        const auto asSeenElsewhere = [&](Place place) {
             const FinderStamp& stamp = stampOf(place);
-            return std::tuple(stamp.device, stamp.mayShareSpace() ? *stamp.cloneID : 0, stamp.inode);
+            return std::tuple(stamp.inode, stamp.modified, stamp.changed);
         };
-        Alike ordered = sameSize;
-        std::ranges::stable_sort(ordered, std::less(), spaceOf);
-        Alike kept;
-        for (const Place place : ordered) {
-            const bool isShared = !kept.empty() && stampOf(kept.back()).sharesSpaceWith(stampOf(place));
-            if (isShared) {
-                ++outcome.sharedSpaceFiles;
-            } else {
-                kept.push_back(place);
-            }
-        }
-        std::ranges::sort(kept);
-        return kept;
+        const auto asClone = [&](Place place) {
+            const FinderStamp& stamp = stampOf(place);
+            const bool mayShare = stamp.mayShareSpace();
+            return std::tuple(stamp.device, mayShare, mayShare ? *stamp.cloneID : place);
+        };
+        return oneOfEach(oneOfEach(oneOfEach(sameSize, asFile), asSeenElsewhere), asClone);
+    }
+
+    /// The first of those with the same key.
+    template <class Key>
+    [[nodiscard]] Alike oneOfEach(Alike places, const Key& keyOf) {
+        std::ranges::stable_sort(places, std::less(), keyOf);
+        const auto shared = std::ranges::unique(places, std::equal_to(), keyOf);
+        outcome.sharedSpaceFiles += std::ssize(shared);
+        places.erase(shared.begin(), shared.end());
+        std::ranges::sort(places);
+        return places;
     }
 
     [[nodiscard]] Alike withoutICloud(Alike candidates) {
@@ -178,12 +184,13 @@ private:
             if (shared && !blocks.insert(*shared).second) {
                 ++outcome.sharedSpaceFiles;
             } else {
-                group.copies.push_back({0, pool[place].path, stampOf(place), finder.trashBlock(path)});
+                const bool mayVanish = finder.mayVanish && finder.mayVanish(path);
+                group.copies.push_back({0, pool[place].path, stampOf(place), finder.trashBlock(path), mayVanish});
             }
         }
         if (group.copies.size() < 2) return;
         std::ranges::sort(group.copies, std::less(), [](const DuplicateCopy& copy) {
-            return std::tuple(copy.stamp.modified, copy.path.length(), copy.path);
+            return std::tuple(copy.mayVanish, copy.stamp.modified, copy.path.length(), copy.path);
         });
         outcome.groups.push_back(std::move(group));
     }

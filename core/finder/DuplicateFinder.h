@@ -33,6 +33,8 @@ struct DuplicateFinder {
     std::function<std::optional<bool>(const std::filesystem::path&)> isInICloud;
     /// Why a file may not be moved to the Trash, if so.
     std::function<std::optional<std::string>(const std::filesystem::path&)> trashBlock;
+    /// Whether a file lies where files come and go by themselves; may be empty.
+    std::function<bool(const std::filesystem::path&)> mayVanish = {};
     /// Equal for files that lie on the same blocks, where the file system tells; may be empty.
     std::function<std::optional<SHA256Digest>(const std::filesystem::path&)> sharedBlocks = {};
 

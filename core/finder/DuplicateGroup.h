@@ -19,6 +19,8 @@ struct DuplicateCopy {
     FinderStamp stamp;
     /// Why it may not be moved to the Trash, if so.
     std::optional<std::string> trashBlock;
+    /// It lies where files come and go by themselves, so that it does not count as one that stays.
+    bool mayVanish = false;
 
     friend bool operator==(const DuplicateCopy&, const DuplicateCopy&) = default;
 };

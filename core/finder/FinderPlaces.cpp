@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "filesystem/PackageNames.h"
+#include "platform/UserAccount.h"
 
 namespace vostrel::finder_places {
 
@@ -58,12 +59,14 @@ bool marksTools(std::string_view entryName) {
     return holds(toolsMarkers, entryName);
 }
 
-std::optional<std::string_view> blockForRoot(const fs::path& root, const fs::path& home) {
+std::optional<RootBlock> blockForRoot(const fs::path& root, const fs::path& home) {
     for (fs::path folder = root; folder != home && folder.has_relative_path(); folder = folder.parent_path()) {
         const std::string name = folder.filename();
-        if (isRepositoryName(name) || holdsAny(folder, repositoryNames)) return insideRepository;
-        if (isPackageName(name)) return insidePackage;
-        if (isToolsName(name) || holdsAny(folder, toolsMarkers)) return insideTools;
+        if (isRepositoryName(name) || holdsAny(folder, repositoryNames)) return RootBlock{insideRepository};
+        if (isPackageName(name)) return RootBlock{insidePackage};
+        if (isToolsName(name) || holdsAny(folder, toolsMarkers)) return RootBlock{insideTools, true};
+        if (folder == temporaryFolder() || folder == "/tmp" || folder == "/var/tmp")
+            return RootBlock{insideTemporary, true};
     }
     return std::nullopt;
 }

@@ -30,10 +30,17 @@ namespace finder_places {
 inline constexpr std::string_view insideRepository = "It is part of a repository.";
 inline constexpr std::string_view insidePackage = "It is part of a package.";
 inline constexpr std::string_view insideTools = "It is managed by a tool or an app.";
+inline constexpr std::string_view insideTemporary = "It lies in a folder for temporary files.";
 
-/// Why files below a chosen folder are not to be moved away, whatever they are: it lies in one of these places itself.
-[[nodiscard]] std::optional<std::string_view> blockForRoot(const std::filesystem::path& root,
-                                                           const std::filesystem::path& home);
+/// What holds for all files below a chosen folder that lies in one of these places itself.
+struct RootBlock {
+    /// Why they are not to be moved away.
+    std::string_view sentence;
+    /// They may be gone tomorrow, so that none is the copy to keep.
+    bool mayVanish = false;
+};
+[[nodiscard]] std::optional<RootBlock> blockForRoot(const std::filesystem::path& root,
+                                                    const std::filesystem::path& home);
 
 }  // namespace finder_places
 

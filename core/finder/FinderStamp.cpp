@@ -43,11 +43,6 @@ bool FinderStamp::mayShareSpace() const {
     return cloneID.value_or(0) != 0 && !hasNoClones && !sharesNothing;
 }
 
-bool FinderStamp::sharesSpaceWith(const FinderStamp& other) const {
-    if (identity() == other.identity()) return true;
-    return device == other.device && mayShareSpace() && other.mayShareSpace() && cloneID == other.cloneID;
-}
-
 std::optional<FinderFileRead> FinderStampReader::read(const std::filesystem::path& path) {
     const auto status = statusOfPath(path);
     if (!status) return std::nullopt;

@@ -41,8 +41,6 @@ struct FinderStamp {
     [[nodiscard]] bool isUnchanged(const FinderStamp& other) const;
     /// Whether its blocks may be those of a clone as well: not when it is known to share nothing, or to have no clone left.
     [[nodiscard]] bool mayShareSpace() const;
-    /// Whether both occupy the same space: they are one file, or clones of one another.
-    [[nodiscard]] bool sharesSpaceWith(const FinderStamp& other) const;
 
     friend bool operator==(const FinderStamp&, const FinderStamp&) = default;
 };

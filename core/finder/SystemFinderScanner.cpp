@@ -38,16 +38,26 @@ public:
 
     [[nodiscard]] std::optional<std::string> of(const fs::path& file) const {
         if (auto refusal = guards.refusalForItem(file)) return refusal;
-        if (roots.empty()) return std::nullopt;
-        for (fs::path folder = file.parent_path(); folder.has_relative_path(); folder = folder.parent_path()) {
-            if (const auto root = roots.find(folder.native()); root != roots.end()) return std::string(root->second);
-        }
-        return std::nullopt;
+        const auto* block = ofRootOf(file);
+        return block ? std::optional(std::string(block->sentence)) : std::nullopt;
+    }
+
+    [[nodiscard]] bool mayVanish(const fs::path& file) const {
+        const auto* block = ofRootOf(file);
+        return block != nullptr && block->mayVanish;
     }
 
 private:
+    [[nodiscard]] const finder_places::RootBlock* ofRootOf(const fs::path& file) const {
+        if (roots.empty()) return nullptr;
+        for (fs::path folder = file.parent_path(); folder.has_relative_path(); folder = folder.parent_path()) {
+            if (const auto root = roots.find(folder.native()); root != roots.end()) return &root->second;
+        }
+        return nullptr;
+    }
+
     const PathGuards& guards;
-    std::map<std::string, std::string_view> roots;
+    std::map<std::string, finder_places::RootBlock> roots;
 };
 
 std::optional<SHA256Digest> sharedBlocksAt(const fs::path& path) {
@@ -132,6 +142,7 @@ private:
             .limits = {.minBytes = result.request.criteria.duplicateMinBytes, .workers = scanner.limits.hashWorkers},
             .isInICloud = scanner.isInICloud,
             .trashBlock = [this](const fs::path& file) { return blocks->of(file); },
+            .mayVanish = [this](const fs::path& file) { return blocks->mayVanish(file); },
             .sharedBlocks = &sharedBlocksAt};
         result.duplicates = finder.find(std::exchange(result.walk.pool, {}), progress,
                                         budgetOf(scanner.limits.compareSeconds));

@@ -45,7 +45,7 @@ class FindTest(ProgramTest):
         everything = [self.downloads / path for path in ("a/film", "b/two\nlines", "c/film")]
         unlisted = self.make("Downloads/small")
         before = self.left()
-        for chosen, sentence in ((everything, "Every copy of it was chosen. One has to stay."),
+        for chosen, sentence in ((everything, "Every copy of it that would stay was chosen. One has to stay."),
                                  ([everything[2], unlisted], "This search did not find it."),
                                  ([self.home / "nothing"], "This search did not find it.")):
             refused = self.find("--trash", *chosen, "--yes")

@@ -37,6 +37,7 @@ TEST_F(CopyGateTest, letsACopyGoOnlyBesideOneThatStaysAndIsStillTheSame) {
         std::function<void()> change;
         const char* sentence;
     };
+    FinderResult result;
     const auto write = [&](const std::string& name, const std::string& content) { home.makeFile(name, content); };
     const auto replaced = [&](const std::string& name, char seed) {
         make("fresh", 200'000, seed);
@@ -46,6 +47,10 @@ TEST_F(CopyGateTest, letsACopyGoOnlyBesideOneThatStaysAndIsStillTheSame) {
         {"nothing happened", {"b"}, [] {}, nullptr},
         {"another copy is gone", {"b"}, [&] { std::filesystem::remove(home / "a"); }, nullptr},
         {"all others were chosen", {"a", "b", "c"}, [] {}, CopyGate::everyCopyChosen},
+        {"the one that stays may vanish",
+         {"b", "c"},
+         [&] { result.groups.front().copies.front().mayVanish = true; },
+         CopyGate::everyCopyChosen},
         {"those that stay are gone",
          {"b"},
          [&] { std::filesystem::remove(home / "a"), std::filesystem::remove(home / "c"); },
@@ -79,7 +84,7 @@ TEST_F(CopyGateTest, letsACopyGoOnlyBesideOneThatStaysAndIsStillTheSame) {
         std::filesystem::remove_all(home.path());
         for (const char* name : {"a", "b", "c"})
             make(name, 200'000);
-        const FinderResult result = find();
+        result = find();
         ASSERT_EQ(result.groups.size(), 1U);
         const CopyGate gate(result, paths(tested.chosen), {});
         tested.change();

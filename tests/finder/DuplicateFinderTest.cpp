@@ -116,15 +116,18 @@ TEST_F(DuplicateFinderTest, takesFilesOfOneSpaceForOne) {
     clone("written anew", 2, 1'000'000);
     clone("last of its clones", 1, 0);
     add("file", {});
-    add("again, by another mount", {}).stamp.inode = 5;
+    add("again, by a bind mount", {}).stamp.inode = 5;
+    DuplicatePoolEntry& elsewhere = add("again, by another mount", {});
+    elsewhere.stamp = pool[4].stamp;
+    elsewhere.stamp.device = 7;
     EXPECT_THAT(find(), ElementsAre(ElementsAre("original", "written anew", "last of its clones", "file")));
-    EXPECT_EQ(outcome.sharedSpaceFiles, 2);
+    EXPECT_EQ(outcome.sharedSpaceFiles, 3);
     // What only the file system knows shows when the contents are known to be equal.
     finder.sharedBlocks = [](const std::filesystem::path& path) {
         return path.filename() == "original" ? std::nullopt : std::optional(SHA256Digest{});
     };
     EXPECT_THAT(find(), ElementsAre(ElementsAre("original", "written anew")));
-    EXPECT_EQ(outcome.sharedSpaceFiles, 4);
+    EXPECT_EQ(outcome.sharedSpaceFiles, 5);
 }
 
 TEST_F(DuplicateFinderTest, leavesOutWhatACloudKeepsOrMayKeep) {

@@ -39,8 +39,8 @@ public:
     [[nodiscard]] std::vector<RunReport> once();
     /// Whether something was complained of.
     [[nodiscard]] bool hadTrouble() const { return isTroubled; }
-    /// Until the user stops the program, which stops a batch first and records that; or until the data folder is another,
-    /// which fails.
+    /// Until the user stops the program, which stops a batch first and records that; or until the data folder is
+    /// another, which fails.
     [[nodiscard]] CommandResult run();
 
 private:

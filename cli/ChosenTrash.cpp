@@ -43,6 +43,15 @@ CommandResult trashChosen(Session& session, const std::vector<CleanupPlan>& plan
     return std::unexpected(std::move(failure));
 }
 
+std::string whyNoPlan(const Session& session, const std::filesystem::path& item, const PlanError& error) {
+    const std::string shown = session.guards.displayPath(item);
+    if (error.kind != PlanError::Kind::protectedRoot) return fmt::format("{}: {}", shown, error.sentence);
+    // What is said of a folder as a rule's would send its reader to choose another folder.
+    if (const auto refusal = session.guards.refusalForItem(item)) return fmt::format("{}: {}", shown, *refusal);
+    return fmt::format("{}: Vostrel removes nothing that lies directly in {}. Move it to the Trash yourself.", shown,
+                       session.guards.displayPath(item.parent_path()));
+}
+
 std::string whyNotPlanned(const Session& session, const CleanupPlan& plan, const std::filesystem::path& item) {
     const std::string shown = session.guards.displayPath(item);
     const auto left = std::ranges::find(plan.skipped, item, &SkippedItem::url);

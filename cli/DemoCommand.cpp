@@ -261,10 +261,11 @@ private:
         heading("7. The space map: where the space of the home goes");
         const auto scanned = session.spaceScanner().scan(SpaceScanTarget::folder(sample.home()), nullptr, {});
         constexpr MapExtent shortly{.lines = 8, .levels = 2};
-        showMap(session.output, session.guards, scanned, shortly);
+        showMap(session.output, session.guards, scanned.tree, {}, shortly);
         BlockCount count;
         count.addBelow(sample.home());
-        claims.push_back({"the map's total agrees with the blocks on the disk", scanned.tree.root().bytes == count.sum()});
+        claims.push_back(
+            {"the map's total agrees with the blocks on the disk", scanned.tree.root().bytes == count.sum()});
     }
 
     void search() {

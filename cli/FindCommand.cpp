@@ -79,7 +79,7 @@ FinderResult search(Session& session, const GlobalOptions& options, const FindOp
         request.roots.push_back(path.native());
     if (request.roots.empty()) request.roots.push_back(session.places.home.native());
     FinderProgressBox progress;
-    const ProgressLine line(options, [&] { return described(progress.get(), session.guards); });
+    const ProgressLine line(options, [&] { return described(progress.read(), session.guards); });
     return session.finderScanner().scan(request, &progress, &Interrupt::requested);
 }
 
@@ -156,9 +156,8 @@ void addFindCommand(CLI::App& app, Command& chosen) {
         *command, "--trash", "FILE", [](std::string file) { return Parsed<fs::path>(asGiven(file)); },
         [wanted](fs::path file) { wanted->trash.push_back(std::move(file)); },
         "Move these files, which the search lists, to the Trash"));
-    auto* const duplicates =
-        command->add_flag("--trash-duplicates", wanted->trashesDuplicates,
-                          "Move all but one copy of each group to the Trash");
+    auto* const duplicates = command->add_flag("--trash-duplicates", wanted->trashesDuplicates,
+                                               "Move all but one copy of each group to the Trash");
     duplicates->excludes(trash);
     auto* const sure = command->add_flag("--yes", wanted->isSure, "Move them without asking");
     command->fallthrough()->callback([&chosen, wanted, trash, duplicates, sure] {

@@ -66,19 +66,17 @@ private:
     }
 
     void showLarge() {
-        heading("Large files", fmt::format("{} of {} or more, {} together",
-                                           counted(result.walk.largeCount, "file", "files"),
-                                           threshold(result.request.criteria.largeBytes),
-                                           SpaceFormat::bytes(result.walk.largeBytes)));
+        heading("Large files",
+                fmt::format("{} of {} or more, {} together", counted(result.walk.largeCount, "file", "files"),
+                            threshold(result.request.criteria.largeBytes), SpaceFormat::bytes(result.walk.largeBytes)));
         showFiles(result.large);
     }
 
     void showOld() {
         const FinderCriteria& criteria = result.request.criteria;
-        heading("Old files", fmt::format("{} of {} or more, not used for {}",
-                                         counted(std::ssize(result.old), "file", "files"),
-                                         threshold(criteria.oldMinBytes),
-                                         counted(criteria.oldMonths, "month", "months")));
+        heading("Old files",
+                fmt::format("{} of {} or more, not used for {}", counted(std::ssize(result.old), "file", "files"),
+                            threshold(criteria.oldMinBytes), counted(criteria.oldMonths, "month", "months")));
         showFiles(result.old);
     }
 
@@ -86,10 +84,10 @@ private:
         std::int64_t reclaimable = 0;
         for (const DuplicateGroup& group : result.groups)
             reclaimable = checkedAdd(reclaimable, group.reclaimableBytes(), "the size of the duplicates");
-        heading("Duplicates", fmt::format("{} of {} or more, {} beside one copy of each",
-                                          counted(std::ssize(result.groups), "group", "groups"),
-                                          threshold(result.request.criteria.duplicateMinBytes),
-                                          SpaceFormat::bytes(reclaimable)));
+        heading("Duplicates",
+                fmt::format("{} of {} or more, {} beside one copy of each",
+                            counted(std::ssize(result.groups), "group", "groups"),
+                            threshold(result.request.criteria.duplicateMinBytes), SpaceFormat::bytes(reclaimable)));
         for (std::size_t index = 0; index < std::min(result.groups.size(), extent.lines); ++index)
             showGroup(result.groups[index]);
         more(result.groups.size(), "groups");

@@ -24,8 +24,7 @@ void addPlan(Session& session, const fs::path& folder, const std::set<std::strin
     auto plan = planOfChosenItems(session.planner(), folder, names, session.clock(), &Interrupt::requested);
     if (!plan) {
         for (const std::string& name : names)
-            failure.sentences.push_back(
-                fmt::format("{}: {}", session.guards.displayPath(folder / name), plan.error().sentence));
+            failure.sentences.push_back(whyNoPlan(session, folder / name, plan.error()));
         return;
     }
     std::set<std::string> missing = names;

@@ -15,10 +15,10 @@
 #include "cli/StoredRules.h"
 #include "cli/StoredSettings.h"
 #include "filesystem/PathGuards.h"
+#include "finder/SystemFinderScanner.h"
 #include "monitor/SpaceMonitor.h"
 #include "rules/PresetCatalog.h"
 #include "rules/TargetResolver.h"
-#include "finder/SystemFinderScanner.h"
 #include "spacemap/SystemSpaceScanner.h"
 #include "stores/DefaultsReading.h"
 

@@ -124,7 +124,8 @@ int main(int count, char** arguments) {
     for (auto& [_, group] : bySize) {
         if (group.size() > 1) groups.push_back(std::move(group));
     }
-    groups = divided(groups, threads, [](const File& file) { return std::pair(std::int64_t(0), std::min(file.size, blockSize)); });
+    groups = divided(groups, threads,
+                     [](const File& file) { return std::pair(std::int64_t(0), std::min(file.size, blockSize)); });
     std::vector<Group> done;
     std::erase_if(groups, [&](Group& group) {
         if (group.front()->size > blockSize) return false;

@@ -18,8 +18,7 @@ OwnedDescriptor openIfUnchanged(const fs::path& path, const FinderStamp& stamp) 
     OwnedDescriptor file = openForReading(path);
     if (!file.isOpen()) return {};
     const auto status = statusOfOpen(file.get());
-    const bool isTheSame =
-        status && status->type == EntryType::file && FinderStamp::of(*status).isUnchanged(stamp);
+    const bool isTheSame = status && status->type == EntryType::file && FinderStamp::of(*status).isUnchanged(stamp);
     return isTheSame ? std::move(file) : OwnedDescriptor();
 }
 
@@ -70,8 +69,7 @@ std::optional<std::string> CopyGate::refusalFor(const fs::path& file) const {
     if (known->second.trashBlock) return known->second.trashBlock;
     const DuplicateGroup* group = known->second.group;
     if (group == nullptr) return std::nullopt;
-    const bool oneStays = std::ranges::any_of(
-        group->copies, [&](const DuplicateCopy& copy) { return stays(copy); });
+    const bool oneStays = std::ranges::any_of(group->copies, [&](const DuplicateCopy& copy) { return stays(copy); });
     if (!oneStays) return everyCopyChosen;
     return std::nullopt;
 }

@@ -15,8 +15,8 @@
 
 namespace vostrel {
 
-/// Lets a file that a search found go to the Trash only as that very file, and a duplicate only beside a copy that stays:
-/// immediately before it would go, its content is compared byte for byte with that of a copy that nobody chose.
+/// Lets a file that a search found go to the Trash only as that very file, and a duplicate only beside a copy that
+/// stays: immediately before it would go, its content is compared byte for byte with that of a copy that nobody chose.
 ///
 /// What it is built with stays as it is: the search, and all the files that were chosen of it. Used by one thread.
 class CopyGate {

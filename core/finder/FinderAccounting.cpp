@@ -108,8 +108,8 @@ void FinderAccounting::onOtherVolume(const WalkedFolder& /*folder*/) {
     add(out.notMeasured, 1);
 }
 
-void FinderAccounting::listed(const WalkedFolder& folder, const FileStatus& status, FolderNotes& notes,
-                              ListingEnd end, int error) {
+void FinderAccounting::listed(const WalkedFolder& folder, const FileStatus& status, FolderNotes& notes, ListingEnd end,
+                              int error) {
     const FinderNotes& found = of(notes);
     if (end == ListingEnd::failed && folder.depth == 0) {
         rootFailure = unreadableReasonOf(error, walker.walker.fullDiskAccess);

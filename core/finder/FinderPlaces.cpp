@@ -16,12 +16,26 @@ namespace fs = std::filesystem;
 constexpr auto excludedOnMac = std::to_array<std::string_view>({".Trash", "Library"});
 constexpr auto excludedOnLinux = std::to_array<std::string_view>({".local/share/Trash"});
 
-constexpr auto repositoryNames = std::to_array<std::string_view>({".git", ".hg", ".svn", ".bzr", ".jj", "_darcs", "CVS"});
+constexpr auto repositoryNames =
+    std::to_array<std::string_view>({".git", ".hg", ".svn", ".bzr", ".jj", "_darcs", "CVS"});
 
 // Beside these every folder whose name begins with a dot: programs keep there what is theirs.
 constexpr auto toolsNames = std::to_array<std::string_view>({
-    "bower_components", "Carthage", "DerivedData", "dist-packages", "jspm_packages", "miniconda3", "anaconda3",
-    "miniforge3", "node_modules", "Pods", "site-packages", "snap", "steamapps", "web_modules", "__pycache__",
+    "bower_components",
+    "Carthage",
+    "DerivedData",
+    "dist-packages",
+    "jspm_packages",
+    "miniconda3",
+    "anaconda3",
+    "miniforge3",
+    "node_modules",
+    "Pods",
+    "site-packages",
+    "snap",
+    "steamapps",
+    "web_modules",
+    "__pycache__",
 });
 constexpr auto toolsMarkers = std::to_array<std::string_view>({"CACHEDIR.TAG", "conda-meta", "pyvenv.cfg"});
 

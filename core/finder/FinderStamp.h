@@ -39,7 +39,8 @@ struct FinderStamp {
     [[nodiscard]] FileIdentity identity() const { return {device, inode}; }
     /// Whether the other is the same file, and nothing was written to it or done to its names meanwhile.
     [[nodiscard]] bool isUnchanged(const FinderStamp& other) const;
-    /// Whether its blocks may be those of a clone as well: not when it is known to share nothing, or to have no clone left.
+    /// Whether its blocks may be those of a clone as well: not when it is known to share nothing, or to have no clone
+    /// left.
     [[nodiscard]] bool mayShareSpace() const;
 
     friend bool operator==(const FinderStamp&, const FinderStamp&) = default;

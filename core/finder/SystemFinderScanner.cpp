@@ -144,8 +144,8 @@ private:
             .trashBlock = [this](const fs::path& file) { return blocks->of(file); },
             .mayVanish = [this](const fs::path& file) { return blocks->mayVanish(file); },
             .sharedBlocks = &sharedBlocksAt};
-        result.duplicates = finder.find(std::exchange(result.walk.pool, {}), progress,
-                                        budgetOf(scanner.limits.compareSeconds));
+        result.duplicates =
+            finder.find(std::exchange(result.walk.pool, {}), progress, budgetOf(scanner.limits.compareSeconds));
         result.groups = std::exchange(result.duplicates.groups, {});
     }
 

@@ -20,8 +20,8 @@
 namespace vostrel {
 
 /// Searches folders for large, old and duplicate files as they are on this system: walks, looks up when old files were
-/// last opened, compares what may be equal. It changes nothing. A plain value; a scan takes as long as its stages and is
-/// for a thread in the background.
+/// last opened, compares what may be equal. It changes nothing. A plain value; a scan takes as long as its stages and
+/// is for a thread in the background.
 struct SystemFinderScanner {
     std::filesystem::path home;
     PathGuards guards;

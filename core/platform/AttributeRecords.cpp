@@ -164,8 +164,7 @@ AttributeRequest attributeRequest(ListingDetail detail) {
     }
     if (detail == ListingDetail::everything) {
         request.file |= attribute::fileLength;
-        request.extended |=
-            attribute::extendedPrivateSize | attribute::extendedCloneID | attribute::extendedCloneCount;
+        request.extended |= attribute::extendedPrivateSize | attribute::extendedCloneID | attribute::extendedCloneCount;
     }
     return request;
 }

@@ -15,7 +15,9 @@ namespace {
 
 class FileHasherTest : public testing::Test {
 protected:
-    [[nodiscard]] HashOutcome hash() const { return hasher.hash(file, stamp, {0, stamp.size}, [] { return false; }); }
+    [[nodiscard]] HashOutcome hash() const {
+        return hasher.hash(file, stamp, {0, stamp.size}, [] { return false; });
+    }
     void append(const char* text) const { std::ofstream(file, std::ios::app) << text; }
 
     TemporaryFolder folder;

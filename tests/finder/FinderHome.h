@@ -22,7 +22,8 @@ struct FinderHome {
     std::filesystem::path make(const std::string& path, std::size_t size, char seed = 'x') const {
         return home.makeFile(path, std::string(size, seed));
     }
-    [[nodiscard]] FinderResult find(std::vector<std::string> roots = {}, const std::function<bool()>& isCancelled = {}) {
+    [[nodiscard]] FinderResult find(std::vector<std::string> roots = {},
+                                    const std::function<bool()>& isCancelled = {}) {
         if (roots.empty()) roots.emplace_back();
         for (std::string& root : roots)
             root = (home / root).lexically_normal();

@@ -22,9 +22,9 @@ class SystemFinderScannerTest : public testing::Test, protected FinderHome {};
 TEST_F(SystemFinderScannerTest, offersNothingOfToolsPackagesRepositoriesAndTheTrash) {
     make("films/large", 80'000, 'a');
     make("films/deep/er/small", 30'000, 'b');
-    for (const char* path :
-         {"code/.git/objects/pack", "code/film", "code/deep/film", "bare.git/film", "App.app/film", "node_modules/a/film",
-          ".cache/film", "venv/film", "venv/lib/film", "tagged/film", ".local/share/Trash/files/film"})
+    for (const char* path : {"code/.git/objects/pack", "code/film", "code/deep/film", "bare.git/film", "App.app/film",
+                             "node_modules/a/film", ".cache/film", "venv/film", "venv/lib/film", "tagged/film",
+                             ".local/share/Trash/files/film"})
         make(path, 80'000);
     make("venv/pyvenv.cfg", 1);
     make("tagged/CACHEDIR.TAG", 1);

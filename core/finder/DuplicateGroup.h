@@ -33,9 +33,12 @@ struct DuplicateGroup {
     std::int64_t size = 0;
     std::vector<DuplicateCopy> copies;
 
-    /// What would be free with one copy left.
+    /// What all copies but the first take up: less than their size where files have holes.
     [[nodiscard]] std::int64_t reclaimableBytes() const {
-        return checkedMultiply(size, static_cast<std::int64_t>(copies.size()) - 1, "the size of a group");
+        std::int64_t bytes = 0;
+        for (std::size_t index = 1; index < copies.size(); ++index)
+            bytes = checkedAdd(bytes, copies[index].stamp.allocated, "the size of a group");
+        return bytes;
     }
 
     friend bool operator==(const DuplicateGroup&, const DuplicateGroup&) = default;

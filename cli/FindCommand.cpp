@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <limits>
@@ -119,7 +120,8 @@ CommandResult find(Session& session, const GlobalOptions& options, const FindOpt
             chosen.insert(asFound(file));
         return trashFound(session, result, chosen, WhenOneStays::nothingGoes, consent);
     }
-    const bool wasSearched = shortcomings.size() < result.walk.roots.size();
+    const bool wasSearched = std::ranges::any_of(
+        result.walk.roots, [](const FinderRootState& root) { return std::holds_alternative<FinderRootInfo>(root); });
     if (wasSearched) showFound(session.output, session.guards, result, wanted.extent());
     if (auto shown = session.output.document(documentOf(result)); !shown) return shown;
     if (shortcomings.empty()) return {};

@@ -83,7 +83,7 @@ private:
     void showGroups() {
         std::int64_t reclaimable = 0;
         for (const DuplicateGroup& group : result.groups)
-            reclaimable = checkedAdd(reclaimable, group.reclaimableBytes(), "the size of the duplicates");
+            reclaimable = saturatingAdd(reclaimable, group.reclaimableBytes());
         heading("Duplicates",
                 fmt::format("{} of {} or more, {} beside one copy of each",
                             counted(std::ssize(result.groups), "group", "groups"),
@@ -98,7 +98,8 @@ private:
                                  SpaceFormat::bytes(group.size))});
         for (std::size_t index = 0; index < std::min(group.copies.size(), extent.lines); ++index) {
             const DuplicateCopy& copy = group.copies[index];
-            const std::string remark = index == 0 ? "  stays" : copy.trashBlock ? "  " + *copy.trashBlock : "";
+            const bool stays = index == 0 && !copy.mayVanish;
+            const std::string remark = stays ? "  stays" : copy.trashBlock ? "  " + *copy.trashBlock : "";
             output.line({"    " + shown(copy.path), {remark, Style::dim}});
         }
         if (group.copies.size() > extent.lines) {

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -40,10 +41,11 @@ void addPlan(Session& session, const fs::path& folder, const std::set<std::strin
 std::set<fs::path> surplusCopies(const FinderResult& result) {
     std::set<fs::path> surplus;
     for (const DuplicateGroup& group : result.groups) {
-        if (group.copies.front().mayVanish) continue;
-        for (std::size_t index = 1; index < group.copies.size(); ++index) {
-            const DuplicateCopy& copy = group.copies[index];
-            if (!copy.trashBlock) surplus.insert(copy.path.full());
+        std::set<std::int32_t> disksWithOne;
+        for (const DuplicateCopy& copy : group.copies) {
+            const bool hasOne = disksWithOne.contains(copy.stamp.device);
+            if (hasOne && !copy.trashBlock) surplus.insert(copy.path.full());
+            if (!copy.mayVanish) disksWithOne.insert(copy.stamp.device);
         }
     }
     return surplus;
@@ -51,7 +53,7 @@ std::set<fs::path> surplusCopies(const FinderResult& result) {
 
 CommandResult trashFound(Session& session, const FinderResult& result, const std::set<fs::path>& chosen,
                          WhenOneStays choice, Consent consent) {
-    const CopyGate gate(result, chosen, &Interrupt::requested);
+    CopyGate gate(result, chosen, &Interrupt::requested);
     Failure failure;
     std::map<fs::path, std::set<std::string>> byFolder;
     for (const fs::path& file : chosen) {
@@ -74,7 +76,7 @@ CommandResult trashFound(Session& session, const FinderResult& result, const std
     if (!failure.sentences.empty()) return std::unexpected(std::move(failure));
     return trashChosen(session, plans, consent,
                        [&](const CleanupRunner& runner, const CleanupPlan& plan, const RunControl& control) {
-                           return runner.runFinderTrash(plan, gate, control);
+                           return runner.runFinderTrash(plan, std::ref(gate), control);
                        });
 }
 

@@ -10,8 +10,8 @@
 
 namespace vostrel::cli {
 
-/// The surplus copies of each group: all but the first and those that something blocks; none of a group
-/// of which no copy is known to stay.
+/// The surplus copies of each group: on each disk all but the first, and but those that something blocks;
+/// none where no copy is known to stay.
 [[nodiscard]] std::set<std::filesystem::path> surplusCopies(const FinderResult& result);
 
 /// What becomes of the other chosen files when one has to stay.

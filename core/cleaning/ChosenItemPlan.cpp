@@ -18,6 +18,9 @@ std::string patternFor(const std::string& name) {
         if (letter == '*' || letter == '?' || letter == '[' || letter == ']' || letter == '\\') pattern += '\\';
         pattern += letter;
     }
+    // A pattern has no space at its ends.
+    if (pattern.ends_with(' ')) pattern.replace(pattern.size() - 1, 1, "[ ]");
+    if (pattern.starts_with(' ')) pattern.replace(0, 1, "[ ]");
     return pattern;
 }
 

@@ -1,5 +1,7 @@
 #include "finder/CopyGate.h"
 
+#include <sys/file.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -51,15 +53,19 @@ bool haveSameContent(int first, int second, std::int64_t size, const std::functi
 
 }  // namespace
 
-CopyGate::CopyGate(const FinderResult& result, const std::set<fs::path>& chosenFiles, std::function<bool()> isCancelled)
-    : chosen(chosenFiles), cancelTest(std::move(isCancelled)) {
+CopyGate::CopyGate(const FinderResult& result, const std::set<fs::path>& chosen, std::function<bool()> isCancelled)
+    : cancelTest(std::move(isCancelled)) {
     for (const auto* list : {&result.large, &result.old}) {
         for (const FinderFile& file : *list)
-            found.insert_or_assign(file.path.full(), Found{file.stamp, file.trashBlock});
+            found.insert_or_assign(file.path.full(), Found{file.stamp, file.trashBlock, {}});
     }
     for (const DuplicateGroup& group : result.groups) {
+        std::map<std::int32_t, std::vector<const DuplicateCopy*>> staying;
+        for (const DuplicateCopy& copy : group.copies) {
+            if (!copy.mayVanish && !chosen.contains(copy.path.full())) staying[copy.stamp.device].push_back(&copy);
+        }
         for (const DuplicateCopy& copy : group.copies)
-            found.insert_or_assign(copy.path.full(), Found{copy.stamp, copy.trashBlock, &group});
+            found.insert_or_assign(copy.path.full(), Found{copy.stamp, copy.trashBlock, staying[copy.stamp.device]});
     }
 }
 
@@ -67,38 +73,35 @@ std::optional<std::string> CopyGate::refusalFor(const fs::path& file) const {
     const auto known = found.find(file);
     if (known == found.end()) return notFound;
     if (known->second.trashBlock) return known->second.trashBlock;
-    const DuplicateGroup* group = known->second.group;
-    if (group == nullptr) return std::nullopt;
-    const bool oneStays = std::ranges::any_of(group->copies, [&](const DuplicateCopy& copy) { return stays(copy); });
-    if (!oneStays) return everyCopyChosen;
+    if (known->second.staying && known->second.staying->empty()) return noCopyStays;
     return std::nullopt;
 }
 
-std::optional<std::string> CopyGate::operator()(const PlannedItem& item) const {
+std::optional<std::string> CopyGate::operator()(const PlannedItem& item) {
+    heldFile.reset();
+    heldCopy.reset();
     if (auto refusal = refusalFor(item.url)) return refusal;
     const Found& file = found.at(item.url);
     const bool isThatFile = FileIdentity{item.device, item.fileID} == file.stamp.identity();
     if (!isThatFile || !openIfUnchanged(item.url, file.stamp).isOpen()) return changed;
-    if (file.group == nullptr) return std::nullopt;
-    const bool staysElsewhere = std::ranges::any_of(file.group->copies, [&](const DuplicateCopy& copy) {
-        return stays(copy) && isEqual(item.url, file.stamp, copy);
-    });
-    if (!staysElsewhere) return noCopyLeft;
+    if (!file.staying) return std::nullopt;
+    const bool oneStays = std::ranges::any_of(
+        *file.staying, [&](const DuplicateCopy* copy) { return isHeldBeside(item.url, file.stamp, *copy); });
+    if (!oneStays) return noCopyLeft;
     return std::nullopt;
 }
 
-bool CopyGate::stays(const DuplicateCopy& copy) const {
-    return !copy.mayVanish && !chosen.contains(copy.path.full());
-}
-
-bool CopyGate::isEqual(const fs::path& file, const FinderStamp& stamp, const DuplicateCopy& copy) const {
+bool CopyGate::isHeldBeside(const fs::path& file, const FinderStamp& stamp, const DuplicateCopy& copy) {
     if (copy.stamp.identity() == stamp.identity()) return false;  // one file by two names is no copy
-    const OwnedDescriptor mine = openIfUnchanged(file, stamp);
-    const OwnedDescriptor others = openIfUnchanged(copy.path.full(), copy.stamp);
-    if (!mine.isOpen() || !others.isOpen()) return false;
-    turnOffCaching(mine.get());
-    turnOffCaching(others.get());
-    if (!haveSameContent(mine.get(), others.get(), stamp.size, cancelTest)) return false;
+    heldFile = openIfUnchanged(file, stamp);
+    heldCopy = openIfUnchanged(copy.path.full(), copy.stamp);
+    if (!heldFile.isOpen() || !heldCopy.isOpen()) return false;
+    const bool areLocked =
+        ::flock(heldFile.get(), LOCK_EX | LOCK_NB) == 0 && ::flock(heldCopy.get(), LOCK_SH | LOCK_NB) == 0;
+    if (!areLocked) return false;
+    turnOffCaching(heldFile.get());
+    turnOffCaching(heldCopy.get());
+    if (!haveSameContent(heldFile.get(), heldCopy.get(), stamp.size, cancelTest)) return false;
     // Where they were, not only what was open, has to be as it was: a name may have been taken meanwhile.
     return openIfUnchanged(file, stamp).isOpen() && openIfUnchanged(copy.path.full(), copy.stamp).isOpen();
 }

@@ -24,7 +24,7 @@ void DigestJobs::run(int workers, FinderProgress::Stage shownStage, FinderProgre
     shown.total = static_cast<std::int64_t>(jobs.size());
     for (const Job& job : jobs) {
         const auto length = FileDigesting::rangeOf(stage, pool[job.entry].stamp.size).length;
-        shown.bytesTotal = checkedAdd(shown.bytesTotal, length, "the bytes to read");
+        shown.bytesTotal = saturatingAdd(shown.bytesTotal, length);
     }
     publish(shown);
     std::vector<std::jthread> others;
@@ -68,7 +68,7 @@ void DigestJobs::put(std::size_t job, const DigestResult& result) {
         results[job] = result;
         if (result.kind != DigestResult::Kind::digest) --candidates[kind];
         ++shown.done;
-        shown.bytesDone += FileDigesting::rangeOf(stage, pool[entry].stamp.size).length;
+        shown.bytesDone = saturatingAdd(shown.bytesDone, FileDigesting::rangeOf(stage, pool[entry].stamp.size).length);
         progress = shown;
     }
     progress.current = pool[entry].path.full().native();

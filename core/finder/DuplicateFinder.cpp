@@ -126,9 +126,12 @@ private:
                 jobs.push_back({.entry = place, .kind = kinds});
             ++kinds;
         }
-        // As they lie on the disk, as far as their numbers tell, so that it reads forward.
+        // As they lie on the disk, as far as their numbers tell, so that it reads forward; but nothing waits for the
+        // longest.
         std::ranges::sort(jobs, std::less(), [&](const DigestJobs::Job& job) {
-            return std::tuple(stampOf(job.entry).identity(), job.entry);
+            constexpr std::int64_t longFile = 4'000'000'000;
+            const FinderStamp& stamp = stampOf(job.entry);
+            return std::tuple(std::max(stamp.size, longFile), stamp.identity(), job.entry);
         });
         DigestJobs work(finder.digester, stage, pool, std::move(jobs), budget);
         const auto shownStage =

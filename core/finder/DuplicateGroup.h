@@ -37,7 +37,7 @@ struct DuplicateGroup {
     [[nodiscard]] std::int64_t reclaimableBytes() const {
         std::int64_t bytes = 0;
         for (std::size_t index = 1; index < copies.size(); ++index)
-            bytes = checkedAdd(bytes, copies[index].stamp.allocated, "the size of a group");
+            bytes = saturatingAdd(bytes, copies[index].stamp.allocated);
         return bytes;
     }
 

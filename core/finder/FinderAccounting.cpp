@@ -125,11 +125,13 @@ void FinderAccounting::listed(const WalkedFolder& folder, const FileStatus& stat
     add(out.cloudOnlyFiles, found.others.cloudOnly);
     const std::int32_t device = status.device;
     for (const std::uint64_t number : found.linkedOthers) {
-        if (links.insert({device, number})) add(out.filesSeen, 1);
+        // Another name of it, where a search takes files up, is to be met as the first.
+        if (found.isTools() || links.insert({device, number})) add(out.filesSeen, 1);
     }
     std::shared_ptr<const std::string> path;
     for (const FinderNotes::File& file : found.files()) {
-        if (file.stamp.linkCount >= 2 && !links.insert(file.stamp.identity())) continue;
+        const bool isKnown = file.stamp.linkCount >= 2 && !found.isTools() && !links.insert(file.stamp.identity());
+        if (isKnown) continue;
         add(out.filesSeen, 1);
         if (file.isDataless) {
             add(out.cloudOnlyFiles, 1);

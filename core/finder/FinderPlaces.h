@@ -32,15 +32,13 @@ inline constexpr std::string_view insidePackage = "It is part of a package.";
 inline constexpr std::string_view insideTools = "It is managed by a tool or an app.";
 inline constexpr std::string_view insideTemporary = "It lies in a folder for temporary files.";
 
-/// What holds for all files below a chosen folder that lies in one of these places itself.
-struct RootBlock {
-    /// Why they are not to be moved away.
-    std::string_view sentence;
-    /// They may be gone tomorrow, so that none is the copy to keep.
-    bool mayVanish = false;
-};
-[[nodiscard]] std::optional<RootBlock> blockForRoot(const std::filesystem::path& root,
-                                                    const std::filesystem::path& home);
+/// Why files below a chosen folder are not to be moved away, whatever they are: it lies in one of these places itself.
+[[nodiscard]] std::optional<std::string_view> blockForRoot(const std::filesystem::path& root,
+                                                           const std::filesystem::path& home);
+
+/// Whether what lies in that folder may be gone tomorrow: temporary files, and what tools make again. Goes by the names
+/// of the folders above it, up to the home.
+[[nodiscard]] bool mayVanishIn(const std::filesystem::path& folder, const std::filesystem::path& home);
 
 }  // namespace finder_places
 

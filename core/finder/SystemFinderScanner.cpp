@@ -27,8 +27,8 @@ Duration seconds(double count) {
 /// Why files may not be moved to the Trash: what they are called and where they lie, or where the search began.
 class TrashBlocks {
 public:
-    TrashBlocks(const PathGuards& ofUser, const fs::path& home, const std::vector<FinderRootState>& states)
-        : guards(ofUser) {
+    TrashBlocks(const PathGuards& ofUser, fs::path ofHome, const std::vector<FinderRootState>& states)
+        : guards(ofUser), home(std::move(ofHome)) {
         for (const FinderRootState& state : states) {
             const auto* root = std::get_if<FinderRootInfo>(&state);
             if (root == nullptr) continue;
@@ -38,17 +38,17 @@ public:
 
     [[nodiscard]] std::optional<std::string> of(const fs::path& file) const {
         if (auto refusal = guards.refusalForItem(file)) return refusal;
-        const auto* block = ofRootOf(file);
-        return block ? std::optional(std::string(block->sentence)) : std::nullopt;
+        if (const auto* block = ofRootOf(file)) return std::string(*block);
+        return std::nullopt;
     }
 
+    /// Whether the file may be gone tomorrow without anybody's asking.
     [[nodiscard]] bool mayVanish(const fs::path& file) const {
-        const auto* block = ofRootOf(file);
-        return block != nullptr && block->mayVanish;
+        return ofRootOf(file) != nullptr || finder_places::mayVanishIn(file.parent_path(), home);
     }
 
 private:
-    [[nodiscard]] const finder_places::RootBlock* ofRootOf(const fs::path& file) const {
+    [[nodiscard]] const std::string_view* ofRootOf(const fs::path& file) const {
         if (roots.empty()) return nullptr;
         for (fs::path folder = file.parent_path(); folder.has_relative_path(); folder = folder.parent_path()) {
             if (const auto root = roots.find(folder.native()); root != roots.end()) return &root->second;
@@ -57,7 +57,8 @@ private:
     }
 
     const PathGuards& guards;
-    std::map<std::string, finder_places::RootBlock> roots;
+    fs::path home;
+    std::map<std::string, std::string_view> roots;
 };
 
 std::optional<SHA256Digest> sharedBlocksAt(const fs::path& path) {

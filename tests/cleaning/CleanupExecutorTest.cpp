@@ -110,8 +110,9 @@ TEST_F(CleanupExecutorTest, leavesWhatChangedInTheLastTenMinutesWhateverTheRuleS
     CleanupPlan seen = plan(rule).value();
     for (const auto& [age, status] : {std::pair(599s, Status::changed), {600s, Status::deleted}}) {
         // By the status change, which cannot be set: the clock is moved instead.
-        const auto last =
-            std::max(statusOfPath(home / "cache/folder")->changed, statusOfPath(home / "cache/file")->changed);
+        Date last;
+        for (const char* path : {"cache/folder", "cache/folder/inside", "cache/file"})
+            last = std::max(last, statusOfPath(home / path)->changed);
         now = last + age;
         seen.createdAt = now;
         for (const auto& outcome : execute(seen, rule).outcomes) {

@@ -42,10 +42,11 @@ class FindTest(ProgramTest):
 
     def test_only_what_the_search_lists_goes_and_never_every_copy(self):
         (self.downloads / "a/again").unlink()
+        self.make("Downloads/ spaced ").write_bytes(b"other " * 300_000)
         everything = [self.downloads / path for path in ("a/film", "b/two\nlines", "c/film")]
         unlisted = self.make("Downloads/small")
         before = self.left()
-        for chosen, sentence in ((everything, "Every copy of it that would stay was chosen. One has to stay."),
+        for chosen, sentence in ((everything, "No copy of it on the same disk is known to stay."),
                                  ([everything[2], unlisted], "This search did not find it."),
                                  ([self.home / "nothing"], "This search did not find it.")):
             refused = self.find("--trash", *chosen, "--yes")
@@ -53,6 +54,7 @@ class FindTest(ProgramTest):
             self.assertIn(sentence, refused.err)
             self.assertEqual(self.left(), before)
         self.assertEqual(self.find("--trash", everything[1], "--large", "1MB", "--yes").status, 0)
+        self.assertEqual(self.find("--trash", self.downloads / " spaced ", "--large", "1MB", "--yes").status, 0)
         self.assertEqual(self.left(), ["a/film", "c/film", "other", "small"])
 
     def test_whatever_somebody_does_meanwhile_a_whole_copy_stays(self):

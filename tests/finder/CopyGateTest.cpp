@@ -46,11 +46,7 @@ TEST_F(CopyGateTest, letsACopyGoOnlyBesideOneThatStaysAndIsStillTheSame) {
     const Case cases[] = {
         {"nothing happened", {"b"}, [] {}, nullptr},
         {"another copy is gone", {"b"}, [&] { std::filesystem::remove(home / "a"); }, nullptr},
-        {"all others were chosen", {"a", "b", "c"}, [] {}, CopyGate::everyCopyChosen},
-        {"the one that stays may vanish",
-         {"b", "c"},
-         [&] { result.groups.front().copies.front().mayVanish = true; },
-         CopyGate::everyCopyChosen},
+        {"all others were chosen", {"a", "b", "c"}, [] {}, CopyGate::noCopyStays},
         {"those that stay are gone",
          {"b"},
          [&] { std::filesystem::remove(home / "a"), std::filesystem::remove(home / "c"); },
@@ -86,7 +82,7 @@ TEST_F(CopyGateTest, letsACopyGoOnlyBesideOneThatStaysAndIsStillTheSame) {
             make(name, 200'000);
         result = find();
         ASSERT_EQ(result.groups.size(), 1U);
-        const CopyGate gate(result, paths(tested.chosen), {});
+        CopyGate gate(result, paths(tested.chosen), {});
         tested.change();
         const auto sentence = gate(planned(tested.sentence == CopyGate::notFound ? "elsewhere" : "b"));
         if (tested.sentence == nullptr) {
@@ -95,6 +91,16 @@ TEST_F(CopyGateTest, letsACopyGoOnlyBesideOneThatStaysAndIsStillTheSame) {
             EXPECT_THAT(sentence, Optional(StrEq(tested.sentence))) << tested.what;
         }
     }
+}
+
+TEST_F(CopyGateTest, ofTwoSearchesAtOnceOneLeavesWhatTheOtherKeeps) {
+    for (const char* name : {"a", "b"})
+        make(name, 200'000);
+    const FinderResult result = find();
+    CopyGate one(result, paths({"b"}), {});
+    CopyGate other(result, paths({"a"}), {});
+    EXPECT_EQ(one(planned("b")), std::nullopt);
+    EXPECT_THAT(other(planned("a")), Optional(StrEq(CopyGate::noCopyLeft)));
 }
 
 TEST_F(CopyGateTest, comparesEveryByteWhateverTheDigestsSaid) {
@@ -110,8 +116,15 @@ TEST_F(CopyGateTest, comparesEveryByteWhateverTheDigestsSaid) {
     const FinderResult result = find();
     ASSERT_EQ(result.groups.size(), 1U);
     EXPECT_THAT(CopyGate(result, paths({"b"}), {})(planned("b")), Optional(StrEq(CopyGate::noCopyLeft)));
-    EXPECT_THAT(CopyGate(result, paths({"a", "b"}), {}).refusalFor(home / "a"),
-                Optional(StrEq(CopyGate::everyCopyChosen)));
+    // One that may be gone tomorrow, or lies on another disk, is none that stays.
+    for (const bool isElsewhere : {false, true}) {
+        FinderResult other = result;
+        DuplicateCopy& kept = other.groups.front().copies.front();
+        kept.mayVanish = !isElsewhere;
+        if (isElsewhere) kept.stamp.device += 1;
+        EXPECT_THAT(CopyGate(other, paths({"b"}), {}).refusalFor(home / "b"), Optional(StrEq(CopyGate::noCopyStays)));
+    }
+    EXPECT_THAT(CopyGate(result, paths({"a", "b"}), {}).refusalFor(home / "a"), Optional(StrEq(CopyGate::noCopyStays)));
 }
 
 }  // namespace

@@ -33,6 +33,7 @@ TEST_F(SystemFinderScannerTest, offersNothingOfToolsPackagesRepositoriesAndTheTr
     home.makeFolder("bare.git/refs");
     home.makeLink("films/link", home / "films/large");
     ::mkfifo((home / "films/pipe").c_str(), 0600);
+    std::filesystem::create_hard_link(home / "films/large", home / ".cache/large");
     // Another name of a file is no other file.
     std::filesystem::create_hard_link(home / "films/large", home / "films/largest");
 
@@ -50,6 +51,7 @@ TEST_F(SystemFinderScannerTest, offersNothingOfToolsPackagesRepositoriesAndTheTr
     const std::map<std::string, const char*> blocks{{"code", "It is part of a repository."},
                                                     {"code/deep", "It is part of a repository."},
                                                     {"App.app", "It is part of a package."},
+                                                    {"bare.git", "It is part of a repository."},
                                                     {"venv/lib", "It is managed by a tool or an app."},
                                                     {".cache", "It is managed by a tool or an app."}};
     for (const auto& [root, block] : blocks) {

@@ -155,7 +155,7 @@ void addFindCommand(CLI::App& app, Command& chosen) {
         *command, "--top", "N", parseCount, [wanted](int count) { wanted->lines = static_cast<std::size_t>(count); },
         "Print so many of each");
     auto* const trash = takesMany(addParsed(
-        *command, "--trash", "FILE", [](std::string file) { return Parsed<fs::path>(asGiven(file)); },
+        *command, "--trash", "FILE", [](const std::string& file) { return Parsed<fs::path>(asGiven(file)); },
         [wanted](fs::path file) { wanted->trash.push_back(std::move(file)); },
         "Move these files, which the search lists, to the Trash"));
     auto* const duplicates = command->add_flag("--trash-duplicates", wanted->trashesDuplicates,

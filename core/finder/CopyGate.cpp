@@ -57,7 +57,7 @@ CopyGate::CopyGate(const FinderResult& result, const std::set<fs::path>& chosen,
     : cancelTest(std::move(isCancelled)) {
     for (const auto* list : {&result.large, &result.old}) {
         for (const FinderFile& file : *list)
-            found.insert_or_assign(file.path.full(), Found{file.stamp, file.trashBlock, {}});
+            found.insert_or_assign(file.path.full(), Found{file.stamp, file.trashBlock, false, {}});
     }
     for (const DuplicateGroup& group : result.groups) {
         std::map<std::int32_t, std::vector<const DuplicateCopy*>> staying;
@@ -65,7 +65,8 @@ CopyGate::CopyGate(const FinderResult& result, const std::set<fs::path>& chosen,
             if (!copy.mayVanish && !chosen.contains(copy.path.full())) staying[copy.stamp.device].push_back(&copy);
         }
         for (const DuplicateCopy& copy : group.copies)
-            found.insert_or_assign(copy.path.full(), Found{copy.stamp, copy.trashBlock, staying[copy.stamp.device]});
+            found.insert_or_assign(copy.path.full(),
+                                   Found{copy.stamp, copy.trashBlock, true, staying[copy.stamp.device]});
     }
 }
 
@@ -73,7 +74,7 @@ std::optional<std::string> CopyGate::refusalFor(const fs::path& file) const {
     const auto known = found.find(file);
     if (known == found.end()) return notFound;
     if (known->second.trashBlock) return known->second.trashBlock;
-    if (known->second.staying && known->second.staying->empty()) return noCopyStays;
+    if (known->second.isDuplicate && known->second.staying.empty()) return noCopyStays;
     return std::nullopt;
 }
 
@@ -84,9 +85,9 @@ std::optional<std::string> CopyGate::operator()(const PlannedItem& item) {
     const Found& file = found.at(item.url);
     const bool isThatFile = FileIdentity{item.device, item.fileID} == file.stamp.identity();
     if (!isThatFile || !openIfUnchanged(item.url, file.stamp).isOpen()) return changed;
-    if (!file.staying) return std::nullopt;
+    if (!file.isDuplicate) return std::nullopt;
     const bool oneStays = std::ranges::any_of(
-        *file.staying, [&](const DuplicateCopy* copy) { return isHeldBeside(item.url, file.stamp, *copy); });
+        file.staying, [&](const DuplicateCopy* copy) { return isHeldBeside(item.url, file.stamp, *copy); });
     if (!oneStays) return noCopyLeft;
     return std::nullopt;
 }

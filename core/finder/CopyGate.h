@@ -41,8 +41,9 @@ private:
     struct Found {
         FinderStamp stamp;
         std::optional<std::string> trashBlock;
-        /// Of a duplicate, the copies that stay; nothing of a file without copies.
-        std::optional<std::vector<const DuplicateCopy*>> staying;
+        bool isDuplicate = false;
+        /// Of a duplicate, the copies that stay.
+        std::vector<const DuplicateCopy*> staying;
     };
 
     [[nodiscard]] bool isHeldBeside(const std::filesystem::path& file, const FinderStamp& stamp,

@@ -31,7 +31,7 @@ void DigestJobs::run(int workers, FinderProgress::Stage shownStage, FinderProgre
     try {
         for (int worker = 1; worker < std::min(workers, static_cast<int>(jobs.size())); ++worker)
             others.emplace_back([this] { work(); });
-    } catch (const std::system_error&) {
+    } catch (const std::system_error&) {  // NOLINT(bugprone-empty-catch): nothing is lost
         // The system gives no more threads: those that there are do it all.
     }
     work();

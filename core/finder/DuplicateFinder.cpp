@@ -59,7 +59,7 @@ private:
         for (std::size_t index = 0; index < pool.size(); ++index) {
             if (pool[index].stamp.size >= least) places.push_back(static_cast<Place>(index));
         }
-        std::ranges::stable_sort(places, std::less(), [&](Place place) { return stampOf(place).size; });
+        std::ranges::sort(places, std::less(), [&](Place place) { return std::pair(stampOf(place).size, place); });
         std::vector<Class> classes;
         for (auto at = places.begin(); at != places.end();) {
             const auto size = stampOf(*at).size;
@@ -93,7 +93,7 @@ private:
     /// The first of those with the same key.
     template <class Key>
     [[nodiscard]] Alike oneOfEach(Alike places, const Key& keyOf) {
-        std::ranges::stable_sort(places, std::less(), keyOf);
+        std::ranges::sort(places, std::less(), [&](Place place) { return std::pair(keyOf(place), place); });
         const auto shared = std::ranges::unique(places, std::equal_to(), keyOf);
         outcome.sharedSpaceFiles += std::ssize(shared);
         places.erase(shared.begin(), shared.end());

@@ -8,11 +8,9 @@
 
 #include "platform/SystemKind.h"
 
-namespace vostrel {
-
 /// Where a search finds nothing to offer, as data: places by their path in the home, folders by their names and by what
 /// they hold.
-namespace finder_places {
+namespace vostrel::finder_places {
 
 /// Never entered, relative to the home folder.
 [[nodiscard]] std::span<const std::string_view> excluded(SystemKind system);
@@ -40,6 +38,4 @@ inline constexpr std::string_view insideTemporary = "It lies in a folder for tem
 /// of the folders above it, up to the home.
 [[nodiscard]] bool mayVanishIn(const std::filesystem::path& folder, const std::filesystem::path& home);
 
-}  // namespace finder_places
-
-}  // namespace vostrel
+}  // namespace vostrel::finder_places

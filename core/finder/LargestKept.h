@@ -38,7 +38,7 @@ public:
     [[nodiscard]] std::vector<Value> take() { return std::move(values); }
 
 private:
-    auto isKeptRather() const {
+    [[nodiscard]] auto isKeptRather() const {
         return [this](std::size_t left, std::size_t right) {
             const auto ofLeft = size(values[left]);
             const auto ofRight = size(values[right]);

@@ -85,7 +85,7 @@ public:
         result.fullDiskAccess = walker.walker.fullDiskAccess;
         result.walk = walker.walk(result.request.roots, result.request.now, budgetOf(scanner.limits.walkSeconds),
                                   progress, links);
-        blocks.emplace(scanner.guards, scanner.home, result.walk.roots);
+        blocks = std::make_unique<const TrashBlocks>(scanner.guards, scanner.home, result.walk.roots);
         listLarge();
         listOld(walker);
         compare();
@@ -154,7 +154,7 @@ private:
     FinderProgressBox* progress;
     const std::function<bool()>& cancelTest;
     FinderResult result;
-    std::optional<TrashBlocks> blocks;
+    std::unique_ptr<const TrashBlocks> blocks;
 };
 
 }  // namespace
